@@ -1,0 +1,58 @@
+# What every target of this project has in common, and the two helpers that make one.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_AUTOMOC ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+# qmllint finds a module only where its qmldir lies under its own URI.
+set(QT_QML_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/qml")
+
+include(CheckPIESupported)
+check_pie_supported()
+
+add_library(plenaura_options INTERFACE)
+target_compile_options(plenaura_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+  -fstack-protector-strong $<$<NOT:$<PLATFORM_ID:Darwin>>:-fcf-protection>
+  # Fortification needs optimisation, and glibc warns where there is none.
+  $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+target_compile_definitions(plenaura_options INTERFACE
+  QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING
+  QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+target_include_directories(plenaura_options INTERFACE "${CMAKE_SOURCE_DIR}/src")
+target_link_options(plenaura_options INTERFACE
+  $<$<NOT:$<PLATFORM_ID:Darwin>>:-Wl,-z,relro,-z,now,-z,noexecstack>)
+
+if(PLENAURA_SANITIZE)
+  target_compile_options(plenaura_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(plenaura_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# plenaura_room(<room> SOURCES <file>... LINK <library>...)
+# One folder under src/ is one static library; LINK is all that the room may know.
+function(plenaura_room room)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  add_library(plenaura_${room} STATIC ${ARG_SOURCES})
+  target_link_libraries(plenaura_${room} PUBLIC plenaura_options ${ARG_LINK})
+endfunction()
+
+# plenaura_test(<name> [SOURCES <file>...] LINK <library>... [LABELS <label>...]
+#               [THROUGH <script> [<argument>...]])
+# A Qt Test program from <name>.cpp, run on the offscreen platform with a home of its own, or in what another script of
+# scripts/ gives it.
+function(plenaura_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;LABELS;THROUGH" ${ARGN})
+  if(NOT ARG_THROUGH)
+    set(ARG_THROUGH in-private-home)
+  endif()
+  add_executable(${name} ${name}.cpp ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE plenaura_options ${ARG_LINK} Qt6::Test)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/scripts/${ARG_THROUGH} $<TARGET_FILE:${name}>)
+  set_tests_properties(${name} PROPERTIES TIMEOUT 120 LABELS "unit;${ARG_LABELS}"
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()
