@@ -1,0 +1,133 @@
+#include "measure.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QRandomGenerator>
+
+#include <malloc.h>
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace measure {
+
+namespace {
+
+bool allMet = true;
+
+/// A line of /proc/self/status that is given in kB, in bytes.
+double statusBytes(const QByteArray &field)
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (status.open(QFile::ReadOnly)) {
+        for (const QByteArray &line : status.readAll().split('\n')) {
+            if (line.startsWith(field + ':')) {
+                return line.mid(field.size() + 1).trimmed().split(' ').first().toDouble() * 1024;
+            }
+        }
+    }
+    std::fprintf(stderr, "No %s in /proc/self/status\n", field.constData());
+    std::exit(2);
+}
+
+void forgetPeak()
+{
+    QFile references(QStringLiteral("/proc/self/clear_refs"));
+    if (!references.open(QFile::WriteOnly | QFile::Unbuffered) || references.write("5") != 1) {
+        std::fprintf(stderr, "The peak of the memory cannot be reset\n");
+        std::exit(2);
+    }
+}
+
+void report(const char *what, double measured, const char *relation, double budget, bool met)
+{
+    std::printf(
+        "%-44s %8.2f  (%s %g)%s\n", what, measured, relation, budget, met ? "" : "  MISSED");
+    allMet = allMet && met;
+}
+
+} // namespace
+
+QByteArray image()
+{
+    QByteArray bytes(imageSize, Qt::Uninitialized);
+    QRandomGenerator random(25);
+    std::generate(bytes.begin(), bytes.end(), [&] { return char(random.generate()); });
+    return bytes;
+}
+
+void useFreshMemory()
+{
+    constexpr int threshold = 128 * 1024;
+    mallopt(M_MMAP_THRESHOLD, threshold);
+    mallopt(M_TRIM_THRESHOLD, threshold);
+}
+
+double seconds(const std::function<void()> &work)
+{
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    return double(timer.nsecsElapsed()) / 1e9;
+}
+
+double copySeconds()
+{
+    static const QByteArray source = image();
+    void *memory = nullptr;
+    const double result = seconds([&] {
+        memory
+            = mmap(nullptr, imageSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        std::memcpy(memory, source.constData(), imageSize);
+    });
+    munmap(memory, imageSize);
+    return result;
+}
+
+double timeInC(
+    const std::function<QByteArray()> &prepare, const std::function<void(QByteArray &&)> &work)
+{
+    constexpr int rounds = 15;
+    QList<double> ratios;
+    for (int round = 0; round < rounds; ++round) {
+        QByteArray argument = prepare();
+        const double copy = copySeconds();
+        ratios += seconds([&] { work(std::move(argument)); }) / copy;
+    }
+    return median(ratios);
+}
+
+double peakInImages(const std::function<void()> &work)
+{
+    malloc_trim(0);
+    forgetPeak();
+    const double before = statusBytes("VmRSS");
+    work();
+    return (statusBytes("VmHWM") - before) / imageSize;
+}
+
+double median(QList<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+void expectAtMost(const char *what, double measured, double budget)
+{
+    report(what, measured, "at most", budget, measured <= budget);
+}
+
+void expectAtLeast(const char *what, double measured, double budget)
+{
+    report(what, measured, "at least", budget, measured >= budget);
+}
+
+int verdict()
+{
+    return allMet ? 0 : 1;
+}
+
+} // namespace measure

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "providers/imageprovider.h"
+#include "providers/service.h"
+
+#include <memory>
+
+namespace providers {
+
+class HttpExchange;
+
+/// xAI Grok, asked for an image in 16:9, which is always saved as "jpg".
+class GrokProvider final : public ImageProvider
+{
+public:
+    GrokProvider(std::shared_ptr<HttpExchange> exchange, Service service);
+
+    QString name() const override { return m_service.name; }
+    QString id() const override { return m_service.id; }
+    QList<ModelOption> models() const override { return m_service.models; }
+    QCoro::Task<ImageResult> generate(QString prompt, QString apiKey, QString model) const override;
+
+    static QByteArray requestBody(const QString &prompt, const QString &model);
+    static ImageResult readAnswer(QByteArray body);
+
+private:
+    std::shared_ptr<HttpExchange> m_exchange;
+    Service m_service;
+};
+
+} // namespace providers
