@@ -1,0 +1,61 @@
+#include "desktop/buscall.h"
+
+#include <QCoroDBusPendingCall>
+#include <QDBusError>
+
+#include <algorithm>
+
+namespace desktop {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString notRunning = u"The desktop is not running"_s;
+
+QString plainSentence(const QDBusMessage &answer, const QDBusError &error)
+{
+    if (error.name() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1) {
+        return notRunning;
+    }
+    switch (error.type()) {
+    case QDBusError::NoReply:
+    case QDBusError::Timeout:
+    case QDBusError::TimedOut:
+        // The bus sends the same error when the other side ends instead of answering; when the
+        // time is up, nobody has sent anything.
+        return answer.service().isEmpty()
+            ? u"The desktop did not answer within %1 seconds"_s.arg(answerTime.count())
+            : u"The desktop ended without answering"_s;
+    case QDBusError::ServiceUnknown:
+        return notRunning;
+    case QDBusError::Disconnected:
+        return u"The session bus cannot be reached"_s;
+    default:
+        return u"The desktop refused the picture"_s;
+    }
+}
+
+BusError readableError(const QDBusMessage &answer)
+{
+    const QDBusError error(answer);
+    const QString sentence = plainSentence(answer, error);
+    const QString detail = error.message().section(u'\n', 0, 0);
+    return {error.name(), detail.isEmpty() ? sentence : sentence + u": "_s + detail};
+}
+
+} // namespace
+
+QCoro::Task<BusResult> callBus(QDBusConnection bus, QDBusMessage call, QDeadlineTimer deadline)
+{
+    // Less than that would mean Qt's own time-out, which is a longer one.
+    const int milliseconds = int(std::max<qint64>(1, deadline.remainingTime()));
+    const QDBusPendingCall pending = bus.asyncCall(call, milliseconds);
+    const QDBusMessage answer = co_await pending;
+    if (answer.type() != QDBusMessage::ReplyMessage) {
+        co_return tl::make_unexpected(readableError(answer));
+    }
+    co_return answer.arguments();
+}
+
+} // namespace desktop

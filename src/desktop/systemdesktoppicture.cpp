@@ -1,0 +1,82 @@
+#include "desktop/systemdesktoppicture.h"
+
+#include "desktop/choosedesktop.h"
+#include "desktop/picturefile.h"
+#include "desktop/workerthread.h"
+#include "desktop/x11display.h"
+
+#include <QCoroFuture>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWindow>
+
+#include <algorithm>
+
+namespace desktop {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+Screen screenAsQtHasIt(const QScreen &screen)
+{
+    const QRect geometry = screen.geometry();
+    return {screen.name(), {geometry.topLeft(), geometry.size() * screen.devicePixelRatio()}};
+}
+
+// Qt scales sizes, and where no monitor is on it makes up a screen: the server is asked.
+std::optional<Screen> screenAsX11HasIt(const QScreen &screen)
+{
+    const auto display = X11Display::open();
+    const auto monitors = display ? display->monitors() : std::nullopt;
+    if (!monitors) {
+        return screenAsQtHasIt(screen);
+    }
+    if (monitors->empty()) {
+        return {};
+    }
+    const auto same = std::find_if(monitors->begin(), monitors->end(),
+        [&](const Screen &monitor) { return monitor.name == screen.name(); });
+    return same == monitors->end() ? monitors->front() : *same;
+}
+
+QCoro::Task<SetResult> setOnWhatPaints(QDBusConnection bus, QString file, Screen screen)
+{
+    const QFuture<tl::expected<Picture, QString>> reading
+        = onWorkerThread([file] { return readPicture(file); });
+    const tl::expected<Picture, QString> picture = co_await reading;
+    if (!picture) {
+        co_return tl::make_unexpected(picture.error());
+    }
+    const Painting painting = co_await lookAround(bus);
+    const auto backend = makeBackend(chooseDesktop(painting), bus);
+    co_return co_await backend->setPicture(*picture, screen);
+}
+
+} // namespace
+
+std::unique_ptr<DesktopPicture> DesktopPicture::system()
+{
+    return std::make_unique<SystemDesktopPicture>();
+}
+
+SystemDesktopPicture::SystemDesktopPicture(QDBusConnection bus) : m_bus(std::move(bus)) { }
+
+std::optional<Screen> SystemDesktopPicture::mainScreen() const
+{
+    const QWindow *focused = QGuiApplication::focusWindow();
+    const QScreen *screen
+        = focused != nullptr ? focused->screen() : QGuiApplication::primaryScreen();
+    if (screen == nullptr) {
+        return {};
+    }
+    return QGuiApplication::platformName() == "xcb"_L1 ? screenAsX11HasIt(*screen)
+                                                       : screenAsQtHasIt(*screen);
+}
+
+QCoro::Task<SetResult> SystemDesktopPicture::setPicture(QString file, Screen screen)
+{
+    return setOnWhatPaints(m_bus, file, screen);
+}
+
+} // namespace desktop

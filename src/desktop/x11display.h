@@ -1,0 +1,62 @@
+#pragma once
+
+#include "desktop/desktoppicture.h"
+
+#include <QByteArray>
+
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <xcb/xcb.h>
+
+namespace desktop {
+
+struct FreeReply
+{
+    void operator()(void *reply) const { std::free(reply); }
+};
+
+/// An answer of the X server; null when it refused or is gone.
+template <typename Reply>
+using XcbReply = std::unique_ptr<Reply, FreeReply>;
+
+/// A connection of our own to the X server, closed at the end of its life. Not Qt's, so that it can
+/// be used on any thread and what it leaves behind on the server is its own affair. Every question
+/// waits for the server's answer.
+class X11Display
+{
+public:
+    /// Absent when no server can be reached.
+    static std::optional<X11Display> open();
+
+    xcb_connection_t *connection() const { return m_connection.get(); }
+    const xcb_screen_t &screen() const { return *m_screen; }
+    xcb_window_t root() const { return m_screen->root; }
+    xcb_atom_t atom(const QByteArray &name) const;
+    /// The 32-bit items of a window's property; empty when it has none of that type.
+    std::vector<uint32_t> property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const;
+
+    /// The monitors that are on; absent when the server cannot tell.
+    std::optional<std::vector<Screen>> monitors() const;
+    /// Whether a window stands over the root window as the desktop, so that the root is not seen.
+    bool hasDesktopWindow() const;
+
+private:
+    struct Disconnect
+    {
+        void operator()(xcb_connection_t *connection) const { xcb_disconnect(connection); }
+    };
+    using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
+
+    X11Display(Connection connection, xcb_screen_t *screen);
+    QString atomName(xcb_atom_t atom) const;
+    std::vector<xcb_window_t> topWindows() const;
+    bool isVisible(xcb_window_t window) const;
+
+    Connection m_connection;
+    xcb_screen_t *m_screen;
+};
+
+} // namespace desktop
