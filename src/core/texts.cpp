@@ -1,0 +1,42 @@
+#include "core/texts.h"
+
+#include <QLocale>
+#include <QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace core::texts {
+
+QString formatInterval(qint64 minutes)
+{
+    if (minutes < 60) {
+        return QString::number(minutes) + " min"_L1;
+    }
+    const qint64 hours = minutes / 60;
+    return hours == 1 ? u"1 hour"_s : QString::number(hours) + " hours"_L1;
+}
+
+QString missingKey(const QString &providerName)
+{
+    return u"Missing "_s + providerName + u" API key — open Settings (⌘,)"_s;
+}
+
+QString upscaleFailed(const QString &reason)
+{
+    return u"Upscale failed, using original — "_s + reason;
+}
+
+QString wallpaperNotSet(const QString &reason)
+{
+    return u"Failed: "_s + reason;
+}
+
+QString shortTime(const QDateTime &moment)
+{
+    const QLocale locale = QLocale::system();
+    // The C locale, alone among all, has seconds in its short format.
+    static const QRegularExpression seconds(u"\\W*s+"_s);
+    return locale.toString(moment.time(), locale.timeFormat(QLocale::ShortFormat).remove(seconds));
+}
+
+} // namespace core::texts
