@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 namespace measure {
@@ -29,16 +28,14 @@ double statusBytes(const QByteArray &field)
             }
         }
     }
-    std::fprintf(stderr, "No %s in /proc/self/status\n", field.constData());
-    std::exit(2);
+    qFatal("No %s in /proc/self/status", field.constData());
 }
 
 void forgetPeak()
 {
     QFile references(QStringLiteral("/proc/self/clear_refs"));
     if (!references.open(QFile::WriteOnly | QFile::Unbuffered) || references.write("5") != 1) {
-        std::fprintf(stderr, "The peak of the memory cannot be reset\n");
-        std::exit(2);
+        qFatal("The peak of the memory cannot be reset");
     }
 }
 
@@ -62,8 +59,10 @@ QByteArray image()
 void useFreshMemory()
 {
     constexpr int threshold = 128 * 1024;
+    // NOLINTBEGIN(concurrency-mt-unsafe): there is no other thread yet.
     mallopt(M_MMAP_THRESHOLD, threshold);
     mallopt(M_TRIM_THRESHOLD, threshold);
+    // NOLINTEND(concurrency-mt-unsafe)
 }
 
 double seconds(const std::function<void()> &work)
@@ -106,7 +105,7 @@ double peakInImages(const std::function<void()> &work)
     forgetPeak();
     const double before = statusBytes("VmRSS");
     work();
-    return (statusBytes("VmHWM") - before) / imageSize;
+    return std::max(0.0, statusBytes("VmHWM") - before) / imageSize;
 }
 
 double median(QList<double> values)

@@ -84,11 +84,10 @@ public:
             return;
         }
         for (auto next : array) {
-            json::value element;
-            if (m_failed || !succeeds(std::move(next).get(element))) {
+            if (m_failed || !succeeds(next.error())) {
                 return;
             }
-            visit(element);
+            visit(next.value_unsafe());
         }
     }
 

@@ -204,7 +204,7 @@ private:
 
     /// Also what is to spare behind a body of the announced size, where the JSON reader wants some
     /// bytes for itself.
-    static constexpr qint64 smallestBlock = 16 * 1024;
+    static constexpr qint64 smallestBlock = qint64(16) * 1024;
 
     QNetworkReply *m_reply;
     std::shared_ptr<Call> m_call;

@@ -31,9 +31,9 @@ struct HttpLimits
     std::chrono::milliseconds silence = std::chrono::seconds(120);
     /// The whole exchange: ends an answer that trickles in for ever.
     std::chrono::milliseconds duration = std::chrono::hours(1);
-    /// Real answers reach 35 MB. A hostile one can make the JSON reader take four times its size
-    /// again, which stays below 400 MB with this.
-    qsizetype bodySize = qsizetype(64) << 20;
+    /// Real answers reach 35 MB. A hostile one of this size makes the JSON reader take five times
+    /// as much besides, and the program stays below 400 MB.
+    qsizetype bodySize = qsizetype(48) << 20;
 };
 
 /// The one HTTP call of the program: a JSON POST to an image service.

@@ -45,9 +45,11 @@ ImageResult Upscaler::readAnswer(QByteArray body)
 QCoro::Task<ImageResult> Upscaler::upscale(
     QByteArray bytes, QString ext, QString geminiApiKey) const
 {
-    return m_exchange->post({.url = m_url,
-                                .headers = {{"x-goog-api-key"_ba, geminiApiKey.toUtf8()}},
-                                .body = [bytes, ext] { return requestBody(bytes, ext); }},
+    return m_exchange->post(
+        {.url = m_url,
+            .headers = {{"x-goog-api-key"_ba, std::move(geminiApiKey).toUtf8()}},
+            .body
+            = [bytes = std::move(bytes), ext = std::move(ext)] { return requestBody(bytes, ext); }},
         readAnswer);
 }
 

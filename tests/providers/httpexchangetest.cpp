@@ -640,7 +640,7 @@ private Q_SLOTS:
     {
         HttpServer server;
         QStringList outcomes;
-        for (int i = 1; i <= 50; ++i) {
+        for (qsizetype i = 1; i <= 50; ++i) {
             {
                 HttpExchange exchange;
                 note(exchange.post(request(server.url()), asImage), outcomes);

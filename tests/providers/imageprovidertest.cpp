@@ -17,7 +17,6 @@ using namespace std::chrono_literals;
 using namespace canned;
 using providers::HttpExchange;
 using providers::ImageResult;
-using providers::ProviderError;
 using testlibs::HttpAnswer;
 using testlibs::HttpServer;
 using Ending = HttpAnswer::Ending;
@@ -29,8 +28,8 @@ namespace {
 struct Caller
 {
     const char *name;
-    QCoro::Task<ImageResult> (*call)(
-        Exchange exchange, QString baseUrl, QString prompt, QString key);
+    QCoro::Task<ImageResult> (*call)(const Exchange &exchange, const QString &baseUrl,
+        const QString &prompt, const QString &key);
     QByteArray answer; ///< Holds the image "Man".
     QString image;
     QByteArray keyHeader;
@@ -42,36 +41,39 @@ struct Caller
 
 /// The provider is gone when the call goes on its way; only the exchange has to stay.
 template <typename Provider>
-QCoro::Task<ImageResult> generate(
-    Exchange exchange, providers::Service service, QString baseUrl, QString prompt, QString key)
+QCoro::Task<ImageResult> generate(const Exchange &exchange, providers::Service service,
+    const QString &baseUrl, const QString &prompt, const QString &key)
 {
     service.baseUrl = baseUrl;
-    const Provider provider(std::move(exchange), service);
+    const Provider provider(exchange, service);
     return provider.generate(prompt, key, service.models.first().id);
 }
 
-QCoro::Task<ImageResult> viaGemini(Exchange exchange, QString baseUrl, QString prompt, QString key)
+QCoro::Task<ImageResult> viaGemini(
+    const Exchange &exchange, const QString &baseUrl, const QString &prompt, const QString &key)
 {
     return generate<providers::GeminiProvider>(
         exchange, providers::services().gemini, baseUrl, prompt, key);
 }
 
-QCoro::Task<ImageResult> viaGrok(Exchange exchange, QString baseUrl, QString prompt, QString key)
+QCoro::Task<ImageResult> viaGrok(
+    const Exchange &exchange, const QString &baseUrl, const QString &prompt, const QString &key)
 {
     return generate<providers::GrokProvider>(
         exchange, providers::services().grok, baseUrl, prompt, key);
 }
 
-QCoro::Task<ImageResult> viaOpenAI(Exchange exchange, QString baseUrl, QString prompt, QString key)
+QCoro::Task<ImageResult> viaOpenAI(
+    const Exchange &exchange, const QString &baseUrl, const QString &prompt, const QString &key)
 {
     return generate<providers::OpenAIProvider>(
         exchange, providers::services().openai, baseUrl, prompt, key);
 }
 
-QCoro::Task<ImageResult> viaUpscaler(
-    Exchange exchange, QString baseUrl, QString /*prompt*/, QString key)
+QCoro::Task<ImageResult> viaUpscaler(const Exchange &exchange, const QString &baseUrl,
+    const QString & /*prompt*/, const QString &key)
 {
-    const providers::Upscaler upscaler(std::move(exchange), baseUrl);
+    const providers::Upscaler upscaler(exchange, baseUrl);
     return upscaler.upscale("bytes"_ba, u"png"_s, key);
 }
 

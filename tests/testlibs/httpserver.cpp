@@ -22,7 +22,7 @@ struct HttpServer::HeldAnswer
 
 namespace {
 
-constexpr qsizetype chunkSize = 64 * 1024;
+constexpr qsizetype chunkSize = qsizetype(64) * 1024;
 
 ReceivedRequest parseHead(const QByteArray &head)
 {
