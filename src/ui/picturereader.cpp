@@ -1,0 +1,106 @@
+#include "ui/picturereader.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+
+#include <algorithm>
+
+namespace ui {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// 8192 x 8192; the largest wallpapers have half as many.
+constexpr qint64 mostPixels = 64LL * 1024 * 1024;
+
+/// A decoder knows no other way to be stopped than a device that ends.
+class StoppableFile : public QFile
+{
+public:
+    StoppableFile(const QString &name, const std::atomic_bool &stopped)
+        : QFile(name), m_stopped(stopped)
+    {
+    }
+
+protected:
+    qint64 readData(char *data, qint64 maxSize) override
+    {
+        return m_stopped ? -1 : QFile::readData(data, maxSize);
+    }
+
+private:
+    const std::atomic_bool &m_stopped;
+};
+
+QByteArray formatByContent(QIODevice &device)
+{
+    const QByteArray head = device.peek(12);
+    if (head.startsWith("\x89PNG\r\n\x1a\n"_ba)) {
+        return "png"_ba;
+    }
+    if (head.startsWith("\xff\xd8\xff"_ba)) {
+        return "jpeg"_ba;
+    }
+    return head.startsWith("RIFF"_ba) && head.sliced(4).endsWith("WEBP"_ba) ? "webp"_ba
+                                                                            : QByteArray();
+}
+
+/// What of a picture scaled to @p scaled is worth keeping: a panorama that covers a box can be a
+/// hundred times as wide as the box.
+QRect worthKeeping(QSize scaled, QSize box)
+{
+    const QRect whole(QPoint(), scaled);
+    QRect kept(QPoint(), (box * 2).boundedTo(scaled));
+    kept.moveCenter(whole.center());
+    return kept & whole;
+}
+
+void scaleDown(QImageReader &reader, QSize size, QSize box, Framing framing)
+{
+    const auto mode
+        = framing == Framing::Cover ? Qt::KeepAspectRatioByExpanding : Qt::KeepAspectRatio;
+    const QSize wanted = size.scaled(box, mode).expandedTo({1, 1});
+    const QSize scaled = wanted.width() < size.width() ? wanted : size;
+    if (scaled != size) {
+        reader.setScaledSize(scaled);
+    }
+    const QRect kept = worthKeeping(scaled, box);
+    if (framing == Framing::Cover && kept.size() != scaled) {
+        reader.setScaledSize(scaled);
+        reader.setScaledClipRect(kept);
+    }
+}
+
+} // namespace
+
+QImage readPicture(const QString &file, QSize box, Framing framing, const std::atomic_bool &stopped)
+{
+    // Opening a pipe that is named like a picture would wait for somebody to write into it.
+    if (!QFileInfo(file).isFile()) {
+        return {};
+    }
+    StoppableFile device(file, stopped);
+    if (!device.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    QImageReader reader(&device, formatByContent(device));
+    reader.setAutoDetectImageFormat(false);
+    reader.setAutoTransform(true);
+    const QSize size = reader.size();
+    if (reader.format().isEmpty() || size.isEmpty()
+        || qint64(size.width()) * size.height() > mostPixels) {
+        return {};
+    }
+    const bool lying = reader.transformation() & QImageIOHandler::TransformationRotate90;
+    scaleDown(reader, size, lying ? box.transposed() : box, framing);
+    const QImage image = reader.read();
+    if (image.isNull() || stopped) {
+        return {};
+    }
+    return std::move(image).convertToFormat(
+        image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+}
+
+} // namespace ui
