@@ -1,0 +1,36 @@
+#include "app/singleinstance.h"
+#include "app/wallpaperapp.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+int main(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    QCoreApplication::setOrganizationName(u"tarnel"_s);
+    QCoreApplication::setOrganizationDomain(u"tarnel.com"_s);
+    QCoreApplication::setApplicationName(u"Plenaura"_s);
+    QGuiApplication::setApplicationDisplayName(u"Plenaura"_s);
+    QGuiApplication::setDesktopFileName(u"com.tarnel.Plenaura"_s);
+    QGuiApplication::setWindowIcon(
+        QIcon::fromTheme(u"com.tarnel.Plenaura"_s, QIcon(u":/plenaura/application.svg"_s)));
+
+    app::SingleInstance instance;
+    switch (instance.claim()) {
+    case app::SingleInstance::Role::First:
+        break;
+    case app::SingleInstance::Role::Second:
+        return EXIT_SUCCESS;
+    case app::SingleInstance::Role::Unreachable:
+        std::fputs("Plenaura is already running but does not answer.\n", stderr);
+        return EXIT_FAILURE;
+    }
+
+    app::WallpaperApp wallpaperApp(instance);
+    wallpaperApp.start();
+    return QApplication::exec();
+}

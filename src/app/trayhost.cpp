@@ -1,0 +1,167 @@
+#include "app/trayhost.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QDBusVariant>
+#include <QGuiApplication>
+#include <QPointer>
+#include <QSocketNotifier>
+
+#include <QCoroDBusPendingCall>
+
+#include <cstdlib>
+
+#include <xcb/xcb.h>
+#include <xcb/xfixes.h>
+
+using namespace Qt::StringLiterals;
+
+namespace app {
+
+namespace {
+
+const auto watcherService = u"org.kde.StatusNotifierWatcher"_s;
+const auto watcherPath = u"/StatusNotifierWatcher"_s;
+
+template <typename T>
+using Reply = std::unique_ptr<T, decltype(&std::free)>;
+
+template <typename T>
+Reply<T> owned(T *reply)
+{
+    return {reply, &std::free};
+}
+
+} // namespace
+
+/// The X11 selection whose owner embeds tray icons, watched on a connection of its own.
+class TrayHost::SelectionWatch
+{
+public:
+    explicit SelectionWatch(TrayHost &host)
+        : m_connection(xcb_connect(nullptr, &m_screenNumber), &xcb_disconnect)
+    {
+        if (xcb_connection_has_error(m_connection.get()) != 0) {
+            return;
+        }
+        m_selection = atom("_NET_SYSTEM_TRAY_S" + QByteArray::number(m_screenNumber));
+        listen();
+        m_notifier = std::make_unique<QSocketNotifier>(
+            xcb_get_file_descriptor(m_connection.get()), QSocketNotifier::Read);
+        connect(
+            m_notifier.get(), &QSocketNotifier::activated, &host, [this, &host] { look(host); });
+        look(host);
+    }
+
+private:
+    void look(TrayHost &host)
+    {
+        // Waiting for a reply may read events past the notifier, so they are emptied after asking.
+        do {
+            if (hasOwner()) {
+                host.onSeen();
+            }
+        } while (drain());
+        if (xcb_connection_has_error(m_connection.get()) != 0) {
+            m_notifier->setEnabled(false); // A dead connection stays readable for ever.
+        }
+    }
+
+    bool hasOwner() const
+    {
+        const auto reply = owned(xcb_get_selection_owner_reply(
+            m_connection.get(), xcb_get_selection_owner(m_connection.get(), m_selection), nullptr));
+        return reply && reply->owner != XCB_NONE;
+    }
+
+    xcb_atom_t atom(const QByteArray &name) const
+    {
+        const auto reply = owned(xcb_intern_atom_reply(m_connection.get(),
+            xcb_intern_atom(
+                m_connection.get(), 0, static_cast<uint16_t>(name.size()), name.constData()),
+            nullptr));
+        return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+    }
+
+    xcb_window_t root() const
+    {
+        auto screens = xcb_setup_roots_iterator(xcb_get_setup(m_connection.get()));
+        for (int i = 0; i < m_screenNumber; ++i) {
+            xcb_screen_next(&screens);
+        }
+        return screens.data->root;
+    }
+
+    void listen() const
+    {
+        owned(xcb_xfixes_query_version_reply(
+            m_connection.get(), xcb_xfixes_query_version(m_connection.get(), 1, 0), nullptr));
+        xcb_xfixes_select_selection_input(m_connection.get(), root(), m_selection,
+            XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER);
+        xcb_flush(m_connection.get());
+    }
+
+    bool drain() const
+    {
+        bool any = false;
+        while (owned(xcb_poll_for_event(m_connection.get()))) {
+            any = true;
+        }
+        return any;
+    }
+
+    int m_screenNumber = 0;
+    std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> m_connection;
+    xcb_atom_t m_selection = XCB_ATOM_NONE;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+};
+
+TrayHost::TrayHost(QObject *parent) : QObject(parent) { }
+
+TrayHost::~TrayHost() = default;
+
+void TrayHost::watch()
+{
+    auto bus = QDBusConnection::sessionBus();
+    auto *const names = new QDBusServiceWatcher(
+        watcherService, bus, QDBusServiceWatcher::WatchForRegistration, this);
+    connect(names, &QDBusServiceWatcher::serviceRegistered, this, &TrayHost::askForHost);
+    bus.connect(watcherService, watcherPath, watcherService, u"StatusNotifierHostRegistered"_s,
+        this, SLOT(askForHost()));
+    askForHost();
+
+    if (QGuiApplication::platformName() == "xcb"_L1) {
+        m_selectionWatch = std::make_unique<SelectionWatch>(*this);
+    }
+}
+
+void TrayHost::askForHost()
+{
+    findHost();
+}
+
+QCoro::Task<> TrayHost::findHost()
+{
+    const QPointer alive(this);
+    auto question = QDBusMessage::createMethodCall(
+        watcherService, watcherPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+    question << watcherService << u"IsStatusNotifierHostRegistered"_s;
+    question.setAutoStartService(false);
+    const QDBusPendingReply<QDBusVariant> answer
+        = co_await QDBusConnection::sessionBus().asyncCall(question);
+    if (alive && answer.isValid() && answer.value().variant().toBool()) {
+        onSeen();
+    }
+}
+
+void TrayHost::onSeen()
+{
+    if (!m_isAvailable) {
+        m_isAvailable = true;
+        Q_EMIT available();
+    }
+}
+
+} // namespace app

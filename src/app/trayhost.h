@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QCoroTask>
+#include <QObject>
+
+#include <memory>
+
+namespace app {
+
+/// Tells when there is something on screen that shows tray icons.
+///
+/// Qt asks this once per process and keeps the answer, so a program that touches its tray icon
+/// before the panel is up never gets one. This class looks for itself: for a host on the session
+/// bus, and for the owner of the X11 tray selection.
+class TrayHost : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit TrayHost(QObject *parent = nullptr);
+    ~TrayHost() override;
+
+    bool isAvailable() const { return m_isAvailable; }
+
+Q_SIGNALS:
+    /// Once, as soon as the first host is seen; maybe from within watch().
+    void available();
+
+public Q_SLOTS:
+    void watch();
+
+private Q_SLOTS:
+    void askForHost();
+
+private:
+    class SelectionWatch;
+
+    QCoro::Task<> findHost();
+    void onSeen();
+
+    bool m_isAvailable = false;
+    std::unique_ptr<SelectionWatch> m_selectionWatch;
+};
+
+} // namespace app

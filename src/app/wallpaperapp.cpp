@@ -1,0 +1,72 @@
+#include "app/wallpaperapp.h"
+
+#include "app/singleinstance.h"
+#include "core/clock.h"
+#include "desktop/desktoppicture.h"
+#include "providers/httpexchange.h"
+#include "providers/service.h"
+
+#include <QGuiApplication>
+
+namespace app {
+
+WallpaperApp::WallpaperApp(SingleInstance &instance, QObject *parent)
+    : QObject(parent), m_clock(core::Clock::system()), m_desktop(desktop::DesktopPicture::system()),
+      m_manager({.settings = m_settings,
+          .desktop = *m_desktop,
+          .clock = *m_clock,
+          .services = providers::services(),
+          .exchange = std::make_shared<providers::HttpExchange>()}),
+      m_windows(m_manager, m_settings), m_menu(m_manager), m_trayIcon(m_menu, m_trayHost)
+{
+    connect(
+        &m_appDelegate, &AppDelegate::closeWindowsRequested, &m_windows, &LazyWindows::closeAll);
+    connect(
+        &m_windows, &LazyWindows::reallyQuitRequested, &m_appDelegate, &AppDelegate::quitForReal);
+    connect(
+        &m_menu, &ui::MenuBarView::openWindowRequested, &m_windows, &LazyWindows::showMainWindow);
+    connect(&m_menu, &ui::MenuBarView::settingsRequested, &m_windows, &LazyWindows::showSettings);
+    connect(&m_menu, &ui::MenuBarView::quitRequested, &m_appDelegate, &AppDelegate::quitForReal);
+#ifdef Q_OS_MACOS
+    // A click on the icon is for the menu. Opening the running program again comes as activation.
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+        [this](Qt::ApplicationState state) {
+            if (state == Qt::ApplicationActive && !m_windows.isMainWindowShown()
+                && !m_windows.isSettingsShown()) {
+                m_windows.showMainWindow();
+            }
+        });
+#else
+    connect(&m_trayIcon, &TrayIcon::activated, &m_windows, &LazyWindows::showMainWindow);
+#endif
+
+    connect(&instance, &SingleInstance::activated, &m_windows, &LazyWindows::showMainWindow);
+    connect(&instance, &SingleInstance::generateRequested, this, &WallpaperApp::generateNow);
+    connect(&instance, &SingleInstance::settingsRequested, &m_windows, &LazyWindows::showSettings);
+    connect(&instance, &SingleInstance::quitRequested, &m_appDelegate, &AppDelegate::quitForReal);
+
+    m_windows.setTrayAvailable(false);
+    connect(&m_trayHost, &TrayHost::available, &m_windows,
+        [this] { m_windows.setTrayAvailable(true); });
+    m_trayHost.watch();
+}
+
+WallpaperApp::~WallpaperApp() = default;
+
+void WallpaperApp::start()
+{
+    if (!SingleInstance::startedByBus()) {
+        m_windows.showMainWindow();
+    }
+}
+
+void WallpaperApp::generateNow()
+{
+    if (m_manager.canGenerate()) {
+        m_manager.generateAndSet();
+    } else if (!m_manager.isLoading()) {
+        m_windows.showMainWindow(); // It says what is missing.
+    }
+}
+
+} // namespace app

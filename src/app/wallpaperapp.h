@@ -1,0 +1,61 @@
+#pragma once
+
+#include "app/appdelegate.h"
+#include "app/lazywindows.h"
+#include "app/trayhost.h"
+#include "app/trayicon.h"
+#include "core/wallpapermanager.h"
+#include "ui/menubarview.h"
+
+#include <QObject>
+#include <QSettings>
+
+#include <memory>
+
+namespace core {
+class Clock;
+}
+
+namespace desktop {
+class DesktopPicture;
+}
+
+namespace app {
+
+class SingleInstance;
+
+/// The person's settings file and no other: what an administrator or another program of the same
+/// maker wrote elsewhere does not shine through.
+class OwnSettings : public QSettings
+{
+public:
+    OwnSettings() { setFallbacksEnabled(false); }
+};
+
+/// The running program: one manager, one delegate, the windows and the tray icon, tied together.
+class WallpaperApp : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit WallpaperApp(SingleInstance &instance, QObject *parent = nullptr);
+    ~WallpaperApp() override;
+
+    /// Opens the main window, unless the bus started the program and will say what it wants.
+    void start();
+
+private:
+    void generateNow();
+
+    OwnSettings m_settings;
+    std::unique_ptr<core::Clock> m_clock;
+    std::unique_ptr<desktop::DesktopPicture> m_desktop;
+    core::WallpaperManager m_manager;
+    AppDelegate m_appDelegate;
+    LazyWindows m_windows;
+    ui::MenuBarView m_menu;
+    TrayHost m_trayHost;
+    TrayIcon m_trayIcon;
+};
+
+} // namespace app

@@ -1,0 +1,173 @@
+#include "app/trayhost.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QGuiApplication>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+#include <xcb/xcb.h>
+
+using namespace Qt::StringLiterals;
+using app::TrayHost;
+
+/// What panels register with, on a connection of its own; it may be there before any panel is.
+class FakeWatcher : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ hasHost)
+
+public:
+    explicit FakeWatcher(bool hasHost)
+        : m_hasHost(hasHost),
+          m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name))
+    {
+        m_bus.registerObject(u"/StatusNotifierWatcher"_s, this,
+            QDBusConnection::ExportAllProperties | QDBusConnection::ExportAllSignals);
+        m_bus.registerService(u"org.kde.StatusNotifierWatcher"_s);
+    }
+    ~FakeWatcher() override { QDBusConnection::disconnectFromBus(name); }
+
+    bool hasHost() const { return m_hasHost; }
+    void registerHost()
+    {
+        m_hasHost = true;
+        Q_EMIT StatusNotifierHostRegistered();
+    }
+
+Q_SIGNALS:
+    void StatusNotifierHostRegistered();
+
+private:
+    inline static const QString name = u"watcher"_s;
+
+    bool m_hasHost;
+    QDBusConnection m_bus;
+};
+
+/// A panel of the kind that embeds icons: it owns the tray selection of the screen.
+class EmbeddingPanel
+{
+public:
+    EmbeddingPanel() : m_connection(xcb_connect(nullptr, nullptr), &xcb_disconnect)
+    {
+        xcb_connection_t *c = m_connection.get();
+        const xcb_window_t window = xcb_generate_id(c);
+        const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
+        xcb_create_window(c, 0, window, screen->root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+            XCB_COPY_FROM_PARENT, 0, nullptr);
+        const QByteArray name = "_NET_SYSTEM_TRAY_S0";
+        std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> atom(
+            xcb_intern_atom_reply(
+                c, xcb_intern_atom(c, 0, uint16_t(name.size()), name.constData()), nullptr),
+            &std::free);
+        xcb_set_selection_owner(c, window, atom->atom, XCB_CURRENT_TIME);
+        xcb_flush(c);
+    }
+
+private:
+    std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> m_connection;
+};
+
+class TrayHostTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void withoutAnyHostNothingIsAvailable();
+    void aHostThatIsThereIsSeen();
+    void aHostThatComesLaterIsSeen();
+    void aWatcherWithoutAHostIsNotEnough();
+    void anEmbeddingPanelThatIsThereIsSeen();
+    void anEmbeddingPanelThatComesLaterIsSeen();
+    void theFirstHostOnlyIsReported();
+
+private:
+    /// Everything that was on its way over the bus before this call has arrived after it.
+    static void letTheBusSettle()
+    {
+        const auto ping = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
+            u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
+        for (int i = 0; i < 3; ++i) {
+            QDBusConnection::sessionBus().call(ping);
+            QCoreApplication::processEvents();
+        }
+    }
+};
+
+void TrayHostTest::withoutAnyHostNothingIsAvailable()
+{
+    TrayHost host;
+    host.watch();
+    letTheBusSettle();
+    QVERIFY(!host.isAvailable());
+}
+
+void TrayHostTest::aHostThatIsThereIsSeen()
+{
+    const FakeWatcher watcher(true);
+    TrayHost host;
+    QSignalSpy available(&host, &TrayHost::available);
+    host.watch();
+    QVERIFY(host.isAvailable() || available.wait());
+}
+
+void TrayHostTest::aHostThatComesLaterIsSeen()
+{
+    TrayHost host;
+    QSignalSpy available(&host, &TrayHost::available);
+    host.watch();
+    letTheBusSettle();
+    const FakeWatcher watcher(true);
+    QVERIFY(host.isAvailable() || available.wait());
+}
+
+void TrayHostTest::aWatcherWithoutAHostIsNotEnough()
+{
+    FakeWatcher watcher(false);
+    TrayHost host;
+    QSignalSpy available(&host, &TrayHost::available);
+    host.watch();
+    letTheBusSettle();
+    QVERIFY(!host.isAvailable());
+    watcher.registerHost();
+    QVERIFY(host.isAvailable() || available.wait());
+}
+
+void TrayHostTest::anEmbeddingPanelThatIsThereIsSeen()
+{
+    const EmbeddingPanel panel;
+    TrayHost host;
+    QSignalSpy available(&host, &TrayHost::available);
+    host.watch();
+    QVERIFY(host.isAvailable() || available.wait());
+}
+
+void TrayHostTest::anEmbeddingPanelThatComesLaterIsSeen()
+{
+    TrayHost host;
+    QSignalSpy available(&host, &TrayHost::available);
+    host.watch();
+    letTheBusSettle();
+    QVERIFY(!host.isAvailable());
+    const EmbeddingPanel panel;
+    QVERIFY(host.isAvailable() || available.wait());
+}
+
+void TrayHostTest::theFirstHostOnlyIsReported()
+{
+    TrayHost host;
+    QSignalSpy available(&host, &TrayHost::available);
+    host.watch();
+    const EmbeddingPanel panel;
+    QVERIFY(host.isAvailable() || available.wait());
+    const FakeWatcher watcher(true);
+    letTheBusSettle();
+    QCOMPARE(available.count(), 1);
+}
+
+QTEST_MAIN(TrayHostTest)
+#include "trayhosttest.moc"
