@@ -1,0 +1,427 @@
+"""Drives the built program on a private desktop as a person does, through accessibility.
+
+Everything here expects to run under scripts/on-private-display: a screen, a session bus and a home
+that belong to nobody. Nothing waits for a fixed time: wait_until() polls a condition.
+"""
+
+import json
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+import gi
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, Gio, GLib  # noqa: E402
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+PATIENCE = 30.0
+SCREEN = (1400, 900)
+
+GENERATE = "Generate & Set Wallpaper"
+SET = "Wallpaper set!"
+MISSING_KEY = "Missing {} API key \u2014 open Settings (\u2318,)"
+
+
+class Impatience(AssertionError):
+    """Something that should have happened did not."""
+
+
+def wait_until(condition, what, patience=PATIENCE):
+    """Returns the first true answer of condition(); fails after patience seconds."""
+    end = time.monotonic() + patience
+    while True:
+        answer = condition()
+        if answer:
+            return answer
+        if time.monotonic() > end:
+            raise Impatience(f"waited {patience:.0f} s for: {what}")
+        time.sleep(0.02)
+
+
+class Process:
+    """A child of ours, ended by its own pid."""
+
+    def __init__(self, command, **options):
+        self.command = [str(part) for part in command]
+        self.child = subprocess.Popen(self.command, **options)
+
+    def alive(self):
+        return self.child.poll() is None
+
+    def end(self, with_signal=signal.SIGTERM):
+        if self.alive():
+            self.child.send_signal(with_signal)
+        try:
+            return self.child.wait(PATIENCE)
+        except subprocess.TimeoutExpired:
+            self.child.kill()
+            return self.child.wait()
+
+
+# The session bus.
+
+def bus():
+    return Gio.bus_get_sync(Gio.BusType.SESSION, None)
+
+
+def call(name, path, interface, method, arguments=None, timeout=5000):
+    answer = bus().call_sync(name, path, interface, method, arguments, None,
+                             Gio.DBusCallFlags.NONE, timeout, None)
+    return answer.unpack()
+
+
+def has_owner(name):
+    return call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                "NameHasOwner", GLib.Variant("(s)", (name,)))[0]
+
+
+# The desktop around the program.
+
+class Desktop:
+    """A real window manager, a real desktop painter, and a small tray."""
+
+    def __init__(self):
+        os.environ.setdefault("XDG_CURRENT_DESKTOP", "XFCE")
+        os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+        os.environ["QT_QUICK_BACKEND"] = "software"
+        self.tray = None
+        self.window_manager = Process(["xfwm4", "--compositor=off"], stderr=subprocess.DEVNULL)
+        self.painter = Process(["xfdesktop"], stderr=subprocess.DEVNULL)
+        self.start_tray()
+        wait_until(lambda: has_owner("org.xfce.xfdesktop"), "xfdesktop on the bus")
+        wait_until(self.backdrop, "xfdesktop knowing its monitor")
+        # Any call wakes the accessibility bus, which takes a moment.
+        wait_until(lambda: Atspi.get_desktop(0) is not None, "the accessibility bus")
+
+    def start_tray(self):
+        self.tray = Process([pathlib.Path(__file__).with_name("tray_watcher.py")])
+        wait_until(lambda: has_owner("org.kde.StatusNotifierWatcher"), "the tray")
+
+    def end_tray(self):
+        self.tray.end()
+        wait_until(lambda: not has_owner("org.kde.StatusNotifierWatcher"), "the tray's end")
+
+    def end(self):
+        for process in (self.tray, self.painter, self.window_manager):
+            process.end()
+
+    @staticmethod
+    def backdrop():
+        """The picture that the desktop's settings name, or nothing before its first start."""
+        try:
+            (properties,) = call("org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf",
+                                 "GetAllProperties",
+                                 GLib.Variant("(ss)", ("xfce4-desktop", "/backdrop")))
+        except GLib.Error:
+            return None
+        pictures = [value for name, value in properties.items()
+                    if name.endswith("/workspace0/last-image")]
+        return pictures[0] if pictures else None
+
+    @staticmethod
+    def screenshot(path):
+        subprocess.run(["import", "-window", "root", str(path)], check=True)
+
+    @staticmethod
+    def show_bare(bare):
+        """Hides all windows, or shows them again."""
+        wait_until(lambda: subprocess.run(["wmctrl", "-k", "on" if bare else "off"], check=False,
+                                          stderr=subprocess.DEVNULL).returncode == 0,
+                   "the window manager")
+
+
+def difference(screenshot, picture, size=SCREEN):
+    """How far a screenshot is from the picture scaled to cover the screen; 0 equal, 1 opposite."""
+    area = f"{size[0]}x{size[1]}"
+    answer = subprocess.run(
+        ["convert", str(screenshot),
+         "(", str(picture), "-resize", f"{area}^", "-gravity", "center", "-extent", area, ")",
+         "-alpha", "off", "-metric", "RMSE", "-compare", "-format", "%[distortion]", "info:"],
+        capture_output=True, text=True, check=True)
+    return float(answer.stdout)
+
+
+class ImageService:
+    """The local image service, with a record of all it was asked."""
+
+    def __init__(self, binaries, record=None, port=None):
+        self.folder = pathlib.Path(record or tempfile.mkdtemp(prefix="requests-"))
+        self.folder.mkdir(parents=True, exist_ok=True)
+        command = [binaries / "imageservice", "--record", self.folder]
+        if port is not None:
+            command += ["--port", str(port)]
+        self.process = Process(command, stdout=subprocess.PIPE, text=True)
+        line = self.process.child.stdout.readline()
+        if "listening" not in line:
+            raise AssertionError("the image service did not start: is its port taken?")
+
+    def requests(self):
+        return [json.loads(path.read_text()) for path in sorted(self.folder.glob("*.json"))]
+
+    def end(self):
+        self.process.end()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+
+# The program, through the eyes and hands of accessibility.
+
+def descendants(root):
+    pending = [root]
+    while pending:
+        node = pending.pop()
+        try:
+            yield node
+            pending += [node.get_child_at_index(index)
+                        for index in range(node.get_child_count() - 1, -1, -1)]
+        except GLib.Error:
+            continue  # It went away while we looked.
+        pending = [node for node in pending if node is not None]
+
+
+def is_showing(node):
+    return node.get_state_set().contains(Atspi.StateType.SHOWING)
+
+
+class Plenaura:
+    """One start of the program, with keys and settings put in its home beforehand."""
+
+    NAME = "com.tarnel.Plenaura"
+
+    def __init__(self, binaries, home, program="plenaura-demo", environment=None):
+        self.home = pathlib.Path(home)
+        self.binaries = binaries
+        self.program = program
+        self.environment = environment or {}
+        self.process = None
+
+    # What lies in the home.
+
+    @property
+    def key_file(self):
+        return self.home / "Library/Application Support/Plenaura/keys.json"
+
+    @property
+    def settings_file(self):
+        return self.home / ".config/tarnel/Plenaura.conf"
+
+    @property
+    def image_folder(self):
+        return self.home / "Pictures/Plenaura"
+
+    def put_keys(self, **keys):
+        self.key_file.parent.mkdir(parents=True, exist_ok=True)
+        self.key_file.write_text(json.dumps(keys))
+        self.key_file.chmod(0o600)
+
+    def put_settings(self, **settings):
+        self.settings_file.parent.mkdir(parents=True, exist_ok=True)
+        lines = [f"{key}={value}" for key, value in settings.items()]
+        self.settings_file.write_text("\n".join(["[General]", *lines, ""]))
+
+    def settings(self):
+        lines = self.settings_file.read_text().splitlines()
+        return dict(line.split("=", 1) for line in lines if "=" in line)
+
+    def images(self):
+        return sorted(self.image_folder.glob("wallpaper_*"), key=lambda path: path.stat().st_mtime)
+
+    # Starting and ending.
+
+    def start(self, wait_for_window=True):
+        environment = {**os.environ, "HOME": str(self.home),
+                       "XDG_CONFIG_HOME": str(self.home / ".config"), **self.environment}
+        self.process = Process([self.binaries / self.program], env=environment)
+        wait_until(lambda: has_owner(self.NAME) or not self.process.alive(), "the program's name")
+        if wait_for_window:
+            self.find("push button", GENERATE)
+        return self
+
+    def alive(self):
+        return self.process is not None and self.process.alive()
+
+    def end(self, with_signal=signal.SIGTERM):
+        if self.process is None:
+            return None
+        status = self.process.end(with_signal)
+        wait_until(lambda: not has_owner(self.NAME), "the program's name to be free")
+        return status
+
+    def wait_for_exit(self):
+        wait_until(lambda: not self.alive(), "the program to end")
+        return self.process.child.returncode
+
+    # Looking.
+
+    def application(self):
+        desktop = Atspi.get_desktop(0)
+        for index in range(desktop.get_child_count()):
+            child = desktop.get_child_at_index(index)
+            try:
+                if child is not None and child.get_process_id() == self.process.child.pid:
+                    return child
+            except GLib.Error:
+                continue
+        return None
+
+    def look(self, role=None, name=None):
+        """All that is on screen now with this role and name."""
+        application = self.application()
+        if application is None:
+            return []
+        found = []
+        for node in descendants(application):
+            try:
+                if (role is None or node.get_role_name() == role) \
+                        and (name is None or node.get_name() == name) and is_showing(node):
+                    found.append(node)
+            except GLib.Error:
+                continue
+        return found
+
+    def find(self, role, name, patience=PATIENCE):
+        return wait_until(lambda: self.look(role, name), f"{role} {name!r}", patience)[0]
+
+    def sees(self, role, name):
+        return bool(self.look(role, name))
+
+    def wait_gone(self, role, name):
+        wait_until(lambda: not self.sees(role, name), f"{role} {name!r} to go")
+
+    def wait_status(self, text, patience=PATIENCE):
+        try:
+            return self.find("label", text, patience)
+        except Impatience as error:
+            labels = [node.get_name() for node in self.look("label")]
+            raise Impatience(f"{error}; the labels are {labels}") from None
+
+    def names(self, role):
+        return [node.get_name() for node in self.look(role)]
+
+    def windows(self):
+        return self.names("frame")
+
+    @staticmethod
+    def is_enabled(node):
+        return node.get_state_set().contains(Atspi.StateType.ENABLED)
+
+    @staticmethod
+    def is_on(node):
+        return node.get_state_set().contains(Atspi.StateType.CHECKED)
+
+    # Acting.
+
+    @staticmethod
+    def act(node, *wanted):
+        for index in range(Atspi.Action.get_n_actions(node)):
+            if Atspi.Action.get_action_name(node, index) in wanted:
+                Atspi.Action.do_action(node, index)
+                return
+        raise AssertionError(f"{node.get_name()!r} offers none of {wanted}")
+
+    def press(self, name, role="push button"):
+        self.act(self.find(role, name), "Press")
+
+    def switch(self, name, on):
+        node = self.find("check box", name)
+        if self.is_on(node) != on:
+            self.act(node, "Toggle", "Press")
+        wait_until(lambda: self.is_on(node) == on, f"{name} to be {on}")
+
+    def type(self, field, text):
+        node = self.find_field(field)
+        Atspi.EditableText.set_text_contents(node, text)
+
+    def find_field(self, field):
+        return wait_until(
+            lambda: [node for node in self.look(None, field)
+                     if node.get_role_name() in ("text", "password text")], f"field {field!r}")[0]
+
+    def text_of(self, field):
+        return Atspi.Text.get_text(self.find_field(field), 0, -1)
+
+    def wait_can_generate(self):
+        wait_until(lambda: [node for node in self.look("push button", GENERATE)
+                            if self.is_enabled(node)], "the button to be enabled")
+
+    def generate(self, prompt=None):
+        if prompt is not None:
+            self.type("Prompt", prompt)
+        self.wait_can_generate()
+        self.press(GENERATE)
+
+    @staticmethod
+    def manage_window(action, title):
+        # Qt appends the program's name to other titles than that name itself.
+        exactly = ["-F"] if title == "Plenaura" else []
+        # The window manager may not have taken the window in yet.
+        wait_until(lambda: subprocess.run(["wmctrl", *exactly, action, title], check=False,
+                                          stderr=subprocess.DEVNULL).returncode == 0,
+                   f"the window manager to know {title!r}")
+
+    def close_window(self, title="Plenaura"):
+        self.manage_window("-c", title)
+
+    def press_keys(self, keys, title="Plenaura"):
+        self.manage_window("-a", title)
+        subprocess.run(["xdotool", "key", "--clearmodifiers", keys], check=True)
+
+    # The tray menu.
+
+    def tray_item(self):
+        """The bus name of the icon, if the tray has it."""
+        try:
+            (items,) = call("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
+                            "org.freedesktop.DBus.Properties", "Get",
+                            GLib.Variant("(ss)", ("org.kde.StatusNotifierWatcher",
+                                                  "RegisteredStatusNotifierItems")))
+        except GLib.Error:
+            return None
+        return items[-1] if items else None
+
+    def wait_tray_item(self):
+        return wait_until(self.tray_item, "the icon in the tray")
+
+    def menu(self):
+        """The rows of the tray menu from top to bottom, as it shows them when opened."""
+        item = self.wait_tray_item()
+        (path,) = call(item, "/StatusNotifierItem", "org.freedesktop.DBus.Properties", "Get",
+                       GLib.Variant("(ss)", ("org.kde.StatusNotifierItem", "Menu")))
+        call(item, path, "com.canonical.dbusmenu", "AboutToShow", GLib.Variant("(i)", (0,)))
+        _, (_, _, rows) = call(item, path, "com.canonical.dbusmenu", "GetLayout",
+                               GLib.Variant("(iias)", (0, -1, [])))
+        return [MenuRow(item, path, identifier, properties) for identifier, properties, _ in rows]
+
+    def menu_row(self, label):
+        return wait_until(lambda: [row for row in self.menu() if row.label == label],
+                          f"menu row {label!r}")[0]
+
+    def click_tray_icon(self):
+        call(self.wait_tray_item(), "/StatusNotifierItem", "org.kde.StatusNotifierItem",
+             "Activate", GLib.Variant("(ii)", (1, 1)))
+
+
+class MenuRow:
+    def __init__(self, item, path, identifier, properties):
+        self.item, self.path, self.identifier = item, path, identifier
+        self.label = properties.get("label", "")
+        self.is_separator = properties.get("type") == "separator"
+        self.enabled = properties.get("enabled", True)
+        self.checkable = properties.get("toggle-type") == "checkmark"
+        self.checked = properties.get("toggle-state") == 1
+
+    def click(self):
+        call(self.item, self.path, "com.canonical.dbusmenu", "Event",
+             GLib.Variant("(isvu)", (self.identifier, "clicked", GLib.Variant("s", ""), 0)))
+
+
+def binaries_from(arguments):
+    """The folder of the programs, named as the first argument of a journey."""
+    if len(arguments) < 2 or not os.path.isdir(arguments[1]):
+        sys.exit(f"usage: {arguments[0]} FOLDER_OF_THE_PROGRAMS [TEST...]")
+    return pathlib.Path(arguments.pop(1)).resolve()

@@ -1,0 +1,58 @@
+"""What every journey has: one desktop and one image service, and a fresh home for each test."""
+
+import os
+import pathlib
+import shutil
+import sys
+import tempfile
+import unittest
+
+import driver
+
+
+class Journey(unittest.TestCase):
+    binaries: pathlib.Path
+
+    @classmethod
+    def setUpClass(cls):
+        cls.desktop = driver.Desktop()
+        cls.addClassCleanup(cls.desktop.end)
+
+    def setUp(self):
+        self.service = driver.ImageService(self.binaries)
+        self.addCleanup(self.service.end)
+        self.home = pathlib.Path(tempfile.mkdtemp(prefix="home-"))
+        self.addCleanup(shutil.rmtree, self.home, ignore_errors=True)
+        self.program = driver.Plenaura(self.binaries, self.home)
+        self.addCleanup(self.program.end)
+        self.addCleanup(self.keep_evidence)
+
+    def keep_evidence(self):
+        """A picture of the screen at the end of a test that failed."""
+        folder = os.environ.get("PLENAURA_EVIDENCE")
+        outcome = self._outcome
+        failed = outcome is not None and (not outcome.success)
+        if folder and failed:
+            os.makedirs(folder, exist_ok=True)
+            self.desktop.screenshot(pathlib.Path(folder) / f"{self.id()}.png")
+
+    def request_bodies(self):
+        return [request["body"] for request in self.service.requests()]
+
+    def assert_on_desktop(self, picture):
+        """The real screen shows the picture, once the program's windows are out of the way."""
+        self.desktop.show_bare(True)
+        shot = self.home / "screen.png"
+
+        def shown():
+            self.desktop.screenshot(shot)
+            return driver.difference(shot, picture) < 0.05
+        try:
+            driver.wait_until(shown, f"{picture} on the screen")
+        finally:
+            self.desktop.show_bare(False)
+
+
+def main():
+    Journey.binaries = driver.binaries_from(sys.argv)
+    unittest.main(verbosity=2)
