@@ -95,12 +95,13 @@ QImage readPicture(const QString &file, QSize box, Framing framing, const std::a
     }
     const bool lying = reader.transformation() & QImageIOHandler::TransformationRotate90;
     scaleDown(reader, size, lying ? box.transposed() : box, framing);
-    const QImage image = reader.read();
+    QImage image = reader.read();
     if (image.isNull() || stopped) {
         return {};
     }
-    return std::move(image).convertToFormat(
-        image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
+    const auto format
+        = image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
+    return std::move(image).convertToFormat(format);
 }
 
 } // namespace ui
