@@ -305,6 +305,8 @@ HttpExchange::Worker *HttpExchange::worker()
         m_worker->moveToThread(&m_thread);
         QObject::connect(&m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
         m_thread.setObjectName(u"HttpExchange"_s);
+        // The JSON reader goes down with the nesting of an answer, on whatever limits the user has.
+        m_thread.setStackSize(8U << 20);
         m_thread.start();
     });
     return m_worker;

@@ -274,6 +274,58 @@ private Q_SLOTS:
             readable ? u"API error: m"_s : unreadable);
     }
 
+    void judgesValuesWhereverTheyStand_data()
+    {
+        QTest::addColumn<QByteArray>("pattern");
+        QTest::addColumn<AnswerFormat::Image>("place");
+        const QByteArray gemini
+            = R"({"candidates":[{"content":{"parts":[{"inlineData":{"data":"TWFu","mimeType":"image/png"}}]}}]})";
+        const QByteArray openai = R"({"data":[{"b64_json":"TWFu"}],"error":{"message":"m"}})";
+        const auto add
+            = [](const char *name, const QByteArray &pattern, AnswerFormat::Image place) {
+                  QTest::newRow(name) << pattern << place;
+              };
+        // "*" stands for the value, first in place of what is looked for, then beside it.
+        for (const QByteArray key :
+            {"candidates", "content", "parts", "inlineData", "data", "mimeType"}) {
+            const qsizetype start = gemini.indexOf("\"" + key + "\":");
+            const QByteArray beside = gemini.left(start) + "\"other\":*," + gemini.mid(start);
+            const QByteArray again = gemini.left(start) + "\"" + key + "\":*," + gemini.mid(start);
+            add(("beside " + key).constData(), beside, AnswerFormat::Image::InCandidates);
+            add(("as " + key).constData(), again, AnswerFormat::Image::InCandidates);
+        }
+        for (const QByteArray key : {"data", "b64_json", "error", "message"}) {
+            const qsizetype start = openai.indexOf("\"" + key + "\":");
+            const QByteArray beside = openai.left(start) + "\"other\":*," + openai.mid(start);
+            const QByteArray again = openai.left(start) + "\"" + key + "\":*," + openai.mid(start);
+            add(("beside " + key).constData(), beside, AnswerFormat::Image::InData);
+            add(("as " + key).constData(), again, AnswerFormat::Image::InData);
+        }
+        add("as an element of candidates", R"({"candidates":[{},*]})",
+            AnswerFormat::Image::InCandidates);
+        add("as an element of parts", R"({"candidates":[{"content":{"parts":[{},*]}}]})",
+            AnswerFormat::Image::InCandidates);
+        add("as an element of data", R"({"data":[{},*]})", AnswerFormat::Image::InData);
+    }
+
+    void judgesValuesWhereverTheyStand()
+    {
+        QFETCH(QByteArray, pattern);
+        QFETCH(AnswerFormat::Image, place);
+        const AnswerFormat format{.image = place, .extension = providers::extensionForMimeType};
+        const auto read = [&](const QByteArray &value) {
+            return outcome(providers::readAnswer(QByteArray(pattern).replace("*", value), format));
+        };
+        for (const char *good :
+            {"null", "true", "-1.5", "\"a\\n\"", "[]", "[1]", "{}", "{\"a\":1}"}) {
+            QVERIFY2(read(good) != unreadable, good);
+        }
+        for (const char *flawed : {"", "nul", "tru", "1.", "\"\\x\"", "[1,]", "[1", "{\"a\"}",
+                 "{\"a\":1", "{\"\\x\":1}"}) {
+            QVERIFY2(read(flawed) == unreadable, flawed);
+        }
+    }
+
     void boundsTheNesting_data()
     {
         QTest::addColumn<QByteArray>("body");
