@@ -89,7 +89,7 @@ double copySeconds()
 double timeInC(
     const std::function<QByteArray()> &prepare, const std::function<void(QByteArray &&)> &work)
 {
-    constexpr int rounds = 15;
+    constexpr int rounds = 31;
     QList<double> ratios;
     for (int round = 0; round < rounds; ++round) {
         QByteArray argument = prepare();

@@ -23,7 +23,7 @@ double seconds(const std::function<void()> &work);
 /// Seconds to copy an image into fresh memory, once: the unit "C".
 double copySeconds();
 
-/// Median of 15 rounds of what @p work takes, in C measured in the same round. The argument of
+/// Median of 31 rounds of what @p work takes, in C measured in the same round. The argument of
 /// @p work is made by @p prepare outside the measured time.
 double timeInC(
     const std::function<QByteArray()> &prepare, const std::function<void(QByteArray &&)> &work);
