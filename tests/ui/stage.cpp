@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QTest>
+#include <QtQuickTest/quicktest.h>
 
 using namespace Qt::StringLiterals;
 
@@ -185,6 +186,10 @@ QList<QQuickItem *> tiles(QQuickWindow *window)
 
 QRectF place(QQuickItem *item)
 {
+    // Rows and columns put their children in place only before the next frame.
+    for (QQuickItem *parent = item; parent; parent = parent->parentItem()) {
+        QQuickTest::qWaitForPolish(parent);
+    }
     return item->mapRectToScene(item->boundingRect());
 }
 
