@@ -58,7 +58,7 @@ class Process:
         if self.alive():
             self.child.send_signal(with_signal)
         try:
-            return self.child.wait(PATIENCE)
+            return self.child.wait(5)
         except subprocess.TimeoutExpired:
             self.child.kill()
             return self.child.wait()
