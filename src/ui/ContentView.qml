@@ -47,12 +47,21 @@ FocusScope {
         }
     }
     PreviewOverlay {
+        id: preview
+
         anchors.fill: parent
         source: root.previewURL
         onCloseRequested: root.previewURL = ""
         onApplyRequested: {
             root.manager.setWallpaper(root.previewURL);
             root.previewURL = "";
+        }
+    }
+    Connections {
+        target: root.manager
+
+        function onDerivedChanged() {
+            preview.recheck();
         }
     }
 }

@@ -38,7 +38,7 @@ FocusScope {
         visible: count > 0
         focus: true
         clip: true
-        activeFocusOnTab: count > 0 && !activeFocus
+        activeFocusOnTab: count > 0 && !(currentItem?.activeFocus ?? false)
         cellWidth: tileWidth + gap
         cellHeight: tileHeight + gap
         leftMargin: padding
@@ -58,12 +58,23 @@ FocusScope {
             manager: root.manager
         }
         delegate: HistoryTile {
+            id: tile
+
             width: grid.tileWidth
             height: grid.tileHeight
             box: grid.box
             onTapped: root.previewRequested(url)
             onApplyRequested: root.manager.setWallpaper(url)
             onDeleteRequested: root.manager.deleteImage(url)
+
+            // A picture of the same second replaces its file under the same name.
+            Connections {
+                target: root.manager
+
+                function onDerivedChanged() {
+                    tile.recheck();
+                }
+            }
         }
 
         FontMetrics {

@@ -17,7 +17,12 @@ FocusScope {
     signal applyRequested
     signal deleteRequested
 
-    activeFocusOnTab: current
+    // Shows the file as it is now.
+    function recheck() {
+        picture.recheck();
+    }
+
+    activeFocusOnTab: current || activeFocus
 
     Accessible.role: Accessible.ListItem
     Accessible.name: fileName

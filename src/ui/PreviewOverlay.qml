@@ -12,6 +12,11 @@ FocusScope {
     signal closeRequested
     signal applyRequested
 
+    // Shows the file as it is now, or nothing if that is no picture any more.
+    function recheck() {
+        picture.recheck();
+    }
+
     function coarse(length: real): real {
         return Math.ceil(length / 160) * 160 * Screen.devicePixelRatio;
     }

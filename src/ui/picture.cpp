@@ -1,6 +1,7 @@
 #include "ui/picture.h"
 
 #include <QCoroFuture>
+#include <QFileInfo>
 #include <QPointer>
 #include <QPromise>
 #include <QQuickWindow>
@@ -53,6 +54,7 @@ void Picture::setSource(const QUrl &source)
     m_source = source;
     m_image = {};
     m_imageIsNew = true;
+    setStatus(source.isEmpty() ? Null : Loading);
     restart();
     Q_EMIT sourceChanged();
 }
@@ -77,10 +79,24 @@ void Picture::setFit(bool fit)
     Q_EMIT fitChanged();
 }
 
+void Picture::recheck()
+{
+    // A picture that was never decoded is looked at when it is.
+    if (!m_decodeIsDue && !m_source.isEmpty() && stampOf(m_source) != m_stamp) {
+        restart();
+    }
+}
+
+Picture::Stamp Picture::stampOf(const QUrl &url)
+{
+    const QFileInfo file(url.toLocalFile());
+    return file.exists() ? Stamp{file.lastModified(), file.size()} : Stamp{};
+}
+
 void Picture::restart()
 {
     *m_stopped = true;
-    setStatus(m_source.isEmpty() ? Null : Loading);
+    m_decodeIsDue = true;
     // Several properties often change together; one frame asks for one decode.
     polish();
     update();
@@ -88,7 +104,9 @@ void Picture::restart()
 
 void Picture::updatePolish()
 {
-    if (m_status == Loading && *m_stopped && !m_box.isEmpty()) {
+    if (m_decodeIsDue && !m_source.isEmpty() && !m_box.isEmpty()) {
+        m_decodeIsDue = false;
+        m_stamp = stampOf(m_source);
         decode();
     }
 }

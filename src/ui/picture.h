@@ -3,6 +3,7 @@
 #include "ui/picturereader.h"
 
 #include <QCoroTask>
+#include <QDateTime>
 #include <QImage>
 #include <QQuickItem>
 #include <QUrl>
@@ -24,8 +25,8 @@ class Picture : public QQuickItem
     Q_PROPERTY(Status status READ status NOTIFY statusChanged)
 
 public:
-    /// Loading and Ready may follow each other while a picture is shown: the old one stays until
-    /// the new one is there.
+    /// Loading is only the first time: a picture that is decoded anew, for a larger box for
+    /// instance, stays Ready and on screen until the new one is there.
     enum Status { Null, Loading, Ready, Unreadable };
     Q_ENUM(Status)
 
@@ -44,6 +45,9 @@ public:
     Status status() const { return m_status; }
     QSize decodedSize() const { return m_image.size(); }
 
+    /// Decodes anew if the file is no longer the one that was decoded: overwritten, or gone.
+    Q_INVOKABLE void recheck();
+
 Q_SIGNALS:
     void sourceChanged();
     void boxChanged();
@@ -56,6 +60,16 @@ protected:
     QSGNode *updatePaintNode(QSGNode *node, UpdatePaintNodeData *data) override;
 
 private:
+    /// What tells one content of a file from the next.
+    struct Stamp
+    {
+        QDateTime modified;
+        qint64 size = -1;
+
+        friend bool operator==(const Stamp &, const Stamp &) = default;
+    };
+
+    static Stamp stampOf(const QUrl &url);
     void restart();
     QCoro::Task<> decode();
     void setStatus(Status status);
@@ -68,6 +82,8 @@ private:
     Status m_status = Null;
     QImage m_image;
     bool m_imageIsNew = false;
+    bool m_decodeIsDue = false;
+    Stamp m_stamp;
     std::shared_ptr<std::atomic_bool> m_stopped;
 };
 

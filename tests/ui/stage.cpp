@@ -184,13 +184,46 @@ QList<QQuickItem *> tiles(QQuickWindow *window)
     return tiles;
 }
 
+QQuickItem *tile(QQuickWindow *window, const QString &fileName)
+{
+    const auto all = tiles(window);
+    for (QQuickItem *one : all) {
+        if (one->property("fileName") == fileName) {
+            return one;
+        }
+    }
+    return nullptr;
+}
+
+Picture *picture(QQuickItem *within)
+{
+    return qobject_cast<Picture *>(itemOfType(within, "ui::Picture"));
+}
+
+bool isReady(QQuickItem *within)
+{
+    return picture(within) && picture(within)->status() == Picture::Ready;
+}
+
+QQuickItem *overlay(QQuickWindow *window)
+{
+    return itemOfType(window->contentItem(), "PreviewOverlay");
+}
+
+QColor colorAt(QQuickWindow *window, QPointF point)
+{
+    const QImage image = window->grabWindow();
+    return image.pixelColor((point * image.devicePixelRatio()).toPoint());
+}
+
 QRectF place(QQuickItem *item)
 {
     // Rows and columns put their children in place only before the next frame.
     for (QQuickItem *parent = item; parent; parent = parent->parentItem()) {
         QQuickTest::qWaitForPolish(parent);
     }
-    return item->mapRectToScene(item->boundingRect());
+    // A text's own bounds are those of its letters.
+    return item->mapRectToScene({{}, item->size()});
 }
 
 void click(QQuickItem *item, QPointF at)
@@ -205,6 +238,8 @@ void click(QQuickItem *item)
 
 void hover(QQuickItem *item)
 {
+    // A pointer that is there already would not be a move.
+    QTest::mouseMove(item->window(), {1, 1});
     QTest::mouseMove(item->window(), place(item).center().toPoint());
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "managerfixture.h"
+#include "ui/picture.h"
 #include "ui/windows.h"
 
 #include <QColor>
@@ -56,6 +57,17 @@ QQuickItem *itemOfType(QQuickItem *root, const char *type);
 QList<QQuickItem *> itemsOfType(QQuickItem *root, const char *type);
 /// The visible tiles, in the order of the gallery.
 QList<QQuickItem *> tiles(QQuickWindow *window);
+
+/// The visible tile of the file with this name; null when there is none.
+QQuickItem *tile(QQuickWindow *window, const QString &fileName);
+/// The visible picture within a tile or the preview; null when there is none.
+Picture *picture(QQuickItem *within);
+/// Whether the picture within is decoded and shown.
+bool isReady(QQuickItem *within);
+/// The preview; null while it is not seen.
+QQuickItem *overlay(QQuickWindow *window);
+/// What is seen at @p point, in the window's own coordinates.
+QColor colorAt(QQuickWindow *window, QPointF point);
 
 QRectF place(QQuickItem *item);
 void click(QQuickItem *item);
