@@ -137,7 +137,10 @@ public:
     {
         connect(reply, &QNetworkReply::readyRead, this, &Transfer::drain);
         connect(reply, &QNetworkReply::finished, this, &Transfer::finish);
-        QTimer::singleShot(limits.duration, this, [this] { giveUp(timedOut()); });
+        // QTimer::singleShot would stay behind until it is due, long after the transfer.
+        connect(&m_timeLeft, &QTimer::timeout, this, [this] { giveUp(timedOut()); });
+        m_timeLeft.setSingleShot(true);
+        m_timeLeft.start(limits.duration);
     }
 
 private:
@@ -209,6 +212,7 @@ private:
     QNetworkReply *m_reply;
     std::shared_ptr<Call> m_call;
     qsizetype m_maximumSize;
+    QTimer m_timeLeft;
     QByteArray m_body;
 };
 

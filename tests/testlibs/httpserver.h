@@ -78,6 +78,7 @@ public:
     void release();
 
     const QList<ReceivedRequest> &requests() const { return m_requests; }
+    void forgetRequests() { m_requests.clear(); }
     /// Accepted so far, with or without a request.
     int connections() const { return m_connections; }
     /// Still open on the server's side.
