@@ -1,41 +1,20 @@
 #include "managerfixture.h"
 
 #include "storage/keychain.h"
+#include "testlibs/belongings.h"
 
 #include <QDeadlineTimer>
-#include <QDir>
 #include <QTest>
 #include <QTimer>
-
-#include <malloc.h>
 
 using namespace Qt::StringLiterals;
 using namespace core;
 using core::fakes::ManagerFixture;
 using storage::Keychain;
+using testlibs::Belongings;
 using testlibs::HttpAnswer;
 
 namespace {
-
-/// What a program that runs for months must not gather.
-struct Belongings
-{
-    qsizetype heap; ///< Bytes in use.
-    qsizetype files;
-    qsizetype threads;
-};
-
-qsizetype entries(const QString &folder)
-{
-    return QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size();
-}
-
-Belongings belongings()
-{
-    return {.heap = qsizetype(mallinfo2().uordblks),
-        .files = entries(u"/proc/self/fd"_s),
-        .threads = entries(u"/proc/self/task"_s)};
-}
 
 /// Waits without the pauses of QTRY_VERIFY, which would be most of the time here.
 template <typename Condition>
@@ -48,13 +27,6 @@ bool comesTrue(Condition condition)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return condition();
-}
-
-int cycles()
-{
-    bool given = false;
-    const int count = qEnvironmentVariableIntValue("PLENAURA_SOAK_CYCLES", &given);
-    return given ? count : 1000;
 }
 
 } // namespace
@@ -149,7 +121,7 @@ void SoakTest::manyRunsGatherNothing()
     manager.setPrompt(u"a lake"_s);
     connect(&manager, &WallpaperManager::isErrorChanged, this,
         [this, &manager] { m_errorsShown += manager.isError(); });
-    const int count = cycles();
+    const int count = testlibs::soakCycles(1000);
     const int warmUp = std::min(count / 5, 1000);
     Belongings before{};
     for (int cycle = 0; cycle < count; ++cycle) {
@@ -163,11 +135,11 @@ void SoakTest::manyRunsGatherNothing()
         }
         tidyUp(fixture, manager);
         if (cycle == warmUp) {
-            before = belongings();
+            before = Belongings::now();
         }
     }
     QTRY_VERIFY(fixture.server.openConnections() <= 6);
-    const Belongings after = belongings();
+    const Belongings after = Belongings::now();
     qInfo("%d cycles: heap %+lld KiB, files %+lld, threads %+lld", count,
         (after.heap - before.heap) / 1024, after.files - before.files,
         after.threads - before.threads);

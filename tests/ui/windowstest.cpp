@@ -1,5 +1,7 @@
 #include "stage.h"
 
+#include "testlibs/belongings.h"
+
 #include <QCoreApplication>
 #include <QQmlEngine>
 #include <QSignalSpy>
@@ -51,6 +53,7 @@ private Q_SLOTS:
     void trayMakesTheWindowMenuNeedless();
     void windowMenuOpensSettingsAndQuits();
     void deletingWindowsClosesThem();
+    void manyWindowsGatherNothing();
 };
 
 void WindowsTest::eachWindowOpensOnce()
@@ -218,6 +221,30 @@ void WindowsTest::deletingWindowsClosesThem()
     QCOMPARE(QGuiApplication::topLevelWindows().size(), 2);
     windows.reset();
     QVERIFY(QGuiApplication::topLevelWindows().isEmpty());
+}
+
+void WindowsTest::manyWindowsGatherNothing()
+{
+    Stage stage;
+    stage.fillGallery(4);
+    const int count = testlibs::soakCycles(60);
+    testlibs::Belongings before{};
+    for (int cycle = 0; cycle < count; ++cycle) {
+        QVERIFY(stage.openMain() && stage.openSettings());
+        QTRY_VERIFY(isReady(tiles(stage.mainWindow()).first()));
+        stage.windows().closeAll();
+        QTRY_VERIFY(QGuiApplication::topLevelWindows().isEmpty());
+        if (cycle == count / 3) {
+            before = testlibs::Belongings::now();
+        }
+    }
+    const auto after = testlibs::Belongings::now();
+    const qsizetype each = (after.heap - before.heap) / (count - count / 3);
+    qInfo("%d windows: heap %+lld bytes each, files %+lld, threads %+lld", count, each,
+        after.files - before.files, after.threads - before.threads);
+    QVERIFY(each < 2048);
+    QVERIFY(after.files <= before.files);
+    QVERIFY(after.threads <= before.threads);
 }
 
 QTEST_MAIN(WindowsTest)
