@@ -1,13 +1,19 @@
 #include "desktop/choosedesktop.h"
 
 #include "desktop/buscall.h"
+#include "desktop/plasmadesktop.h"
+#include "desktop/portaldesktop.h"
+#include "desktop/swaybgdesktop.h"
+#include "desktop/swaydesktop.h"
 #include "desktop/unsupporteddesktop.h"
+#include "desktop/waylandglobals.h"
 #include "desktop/workerthread.h"
 #include "desktop/x11display.h"
 #include "desktop/x11rootdesktop.h"
 #include "desktop/xfcedesktop.h"
 
 #include <QCoroFuture>
+#include <QFile>
 #include <QGuiApplication>
 
 #include <array>
@@ -27,7 +33,7 @@ struct Painter
 // The first whose name is owned is the painter, so the order matters: Cinnamon owns names of GNOME,
 // too. Those not supported are here because the root window lies unseen beneath them.
 constexpr std::array painters{
-    Painter{"org.kde.plasmashell"_L1, DesktopKind::Unsupported},
+    Painter{"org.kde.plasmashell"_L1, DesktopKind::Plasma},
     Painter{"org.xfce.xfdesktop"_L1, DesktopKind::Xfce},
     Painter{"org.Cinnamon"_L1, DesktopKind::Unsupported},
     Painter{"org.mate.Caja"_L1, DesktopKind::Unsupported},
@@ -42,6 +48,18 @@ bool isX11Session()
         && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
+bool isWaylandSession()
+{
+    return QGuiApplication::platformName().startsWith("wayland"_L1)
+        || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+bool isInSandboxOnGnome()
+{
+    const QStringList desktops = qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':');
+    return QFile::exists(u"/.flatpak-info"_s) && desktops.contains("GNOME"_L1);
+}
+
 bool seesRootWindow()
 {
     const auto display = X11Display::open();
@@ -52,12 +70,23 @@ bool seesRootWindow()
 
 QCoro::Task<Painting> lookAround(QDBusConnection bus)
 {
+    const QDeadlineTimer deadline(answerTime);
     Painting painting;
+    painting.needsPortal = isInSandboxOnGnome();
     const QDBusMessage listNames = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
         u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"ListNames"_s);
-    const BusResult names = co_await callBus(bus, listNames, QDeadlineTimer(answerTime));
+    const BusResult names = co_await callBus(bus, listNames, deadline);
     if (names) {
         painting.busNames = names->value(0).toStringList();
+    }
+    const QFuture<QString> swaySocket = onWorkerThread(SwayDesktop::liveSocket);
+    painting.swaySocket = co_await swaySocket;
+    // When sway hangs, its socket alone shall take its time to show it.
+    if (painting.swaySocket.isEmpty() && isWaylandSession()) {
+        const QFuture<std::optional<WaylandGlobals>> asking
+            = onWorkerThread([deadline] { return askWaylandGlobals(deadline); });
+        const std::optional<WaylandGlobals> globals = co_await asking;
+        painting.hasLayerShell = globals && globals->hasLayerShell;
     }
     if (isX11Session()) {
         const QFuture<bool> seen = onWorkerThread(seesRootWindow);
@@ -68,17 +97,35 @@ QCoro::Task<Painting> lookAround(QDBusConnection bus)
 
 DesktopKind chooseDesktop(const Painting &painting)
 {
+    if (!painting.swaySocket.isEmpty()) {
+        return DesktopKind::Sway;
+    }
+    if (painting.needsPortal) {
+        return DesktopKind::Portal;
+    }
     for (const Painter &painter : painters) {
         if (painting.busNames.contains(painter.busName)) {
             return painter.kind;
         }
     }
+    if (painting.hasLayerShell) {
+        return DesktopKind::Swaybg;
+    }
     return painting.isRootVisible ? DesktopKind::X11Root : DesktopKind::Unsupported;
 }
 
-std::unique_ptr<Backend> makeBackend(DesktopKind kind, const QDBusConnection &bus)
+std::unique_ptr<Backend> makeBackend(DesktopKind kind, const Painting &painting,
+    const QDBusConnection &bus, std::shared_ptr<BackgroundProcesses> processes)
 {
     switch (kind) {
+    case DesktopKind::Plasma:
+        return std::make_unique<PlasmaDesktop>(bus);
+    case DesktopKind::Portal:
+        return std::make_unique<PortalDesktop>(bus);
+    case DesktopKind::Sway:
+        return std::make_unique<SwayDesktop>(painting.swaySocket);
+    case DesktopKind::Swaybg:
+        return std::make_unique<SwaybgDesktop>(std::move(processes));
     case DesktopKind::Xfce:
         return std::make_unique<XfceDesktop>(bus);
     case DesktopKind::X11Root:

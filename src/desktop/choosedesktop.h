@@ -9,26 +9,37 @@
 
 namespace desktop {
 
+class BackgroundProcesses;
+
 /// Who paints the desktop, as far as it can be seen without calling anybody: a call may start a
 /// service that answers "done" while nobody paints.
 struct Painting
 {
     QStringList busNames; ///< Those that have an owner.
     bool isRootVisible = false; ///< The X11 root window, with no window over it as the desktop.
+    QString swaySocket; ///< Path of the socket of a sway that runs; else empty.
+    bool needsPortal = false; ///< In a sandbox, where GNOME's settings are out of reach.
+    bool hasLayerShell = false; ///< Of a Wayland compositor: a place for backgrounds.
 };
 
 enum class DesktopKind {
+    Plasma,
+    Portal,
+    Sway,
+    Swaybg,
     Xfce,
     X11Root,
     Unsupported,
 };
 
-/// Looks around. A bus that does not answer in time has no names.
+/// Looks around. A bus that does not answer in time has no names, and a compositor offers nothing.
 QCoro::Task<Painting> lookAround(QDBusConnection bus);
 
 /// The one place where the way of setting the picture is decided.
 DesktopKind chooseDesktop(const Painting &painting);
 
-std::unique_ptr<Backend> makeBackend(DesktopKind kind, const QDBusConnection &bus);
+/// For the @p painting that was decided about; what must go on running is among the @p processes.
+std::unique_ptr<Backend> makeBackend(DesktopKind kind, const Painting &painting,
+    const QDBusConnection &bus, std::shared_ptr<BackgroundProcesses> processes);
 
 } // namespace desktop

@@ -15,7 +15,9 @@ namespace desktop {
 struct Screen
 {
     QString name; ///< The output's name, such as "HDMI-1".
-    QRect geometry; ///< Place and size on the virtual desktop, in device pixels.
+    /// Place and size on the virtual desktop, in device pixels. Under Wayland the place is in the
+    /// compositor's own units, as there is no other.
+    QRect geometry;
 
     friend bool operator==(const Screen &, const Screen &) = default;
 };

@@ -1,5 +1,6 @@
 #include "desktop/systemdesktoppicture.h"
 
+#include "desktop/backgroundprocesses.h"
 #include "desktop/choosedesktop.h"
 #include "desktop/picturefile.h"
 #include "desktop/workerthread.h"
@@ -40,7 +41,8 @@ std::optional<Screen> screenAsX11HasIt(const QScreen &screen)
     return same == monitors->end() ? monitors->front() : *same;
 }
 
-QCoro::Task<SetResult> setOnWhatPaints(QDBusConnection bus, QString file, Screen screen)
+QCoro::Task<SetResult> setOnWhatPaints(QDBusConnection bus,
+    std::shared_ptr<BackgroundProcesses> processes, QString file, Screen screen)
 {
     const QFuture<tl::expected<Picture, QString>> reading
         = onWorkerThread([file] { return readPicture(file); });
@@ -49,7 +51,7 @@ QCoro::Task<SetResult> setOnWhatPaints(QDBusConnection bus, QString file, Screen
         co_return tl::make_unexpected(picture.error());
     }
     const Painting painting = co_await lookAround(bus);
-    const auto backend = makeBackend(chooseDesktop(painting), bus);
+    const auto backend = makeBackend(chooseDesktop(painting), painting, bus, processes);
     co_return co_await backend->setPicture(*picture, screen);
 }
 
@@ -60,7 +62,10 @@ std::unique_ptr<DesktopPicture> DesktopPicture::system()
     return std::make_unique<SystemDesktopPicture>();
 }
 
-SystemDesktopPicture::SystemDesktopPicture(QDBusConnection bus) : m_bus(std::move(bus)) { }
+SystemDesktopPicture::SystemDesktopPicture(QDBusConnection bus)
+    : m_bus(std::move(bus)), m_processes(std::make_shared<BackgroundProcesses>())
+{
+}
 
 std::optional<Screen> SystemDesktopPicture::mainScreen() const
 {
@@ -76,7 +81,7 @@ std::optional<Screen> SystemDesktopPicture::mainScreen() const
 
 QCoro::Task<SetResult> SystemDesktopPicture::setPicture(QString file, Screen screen)
 {
-    return setOnWhatPaints(m_bus, file, screen);
+    return setOnWhatPaints(m_bus, m_processes, file, screen);
 }
 
 } // namespace desktop

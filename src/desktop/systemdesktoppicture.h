@@ -6,10 +6,13 @@
 
 namespace desktop {
 
+class BackgroundProcesses;
+
 /// The desktop the program runs on. Which one that is, is found out at each call: a session may
 /// change its desktop while the program runs.
 ///
-/// A task that was started goes on when this object is gone.
+/// A task that was started goes on when this object is gone, but pictures that are shown by
+/// processes of ours are then no longer seen.
 class SystemDesktopPicture : public DesktopPicture
 {
 public:
@@ -20,6 +23,7 @@ public:
 
 private:
     QDBusConnection m_bus;
+    std::shared_ptr<BackgroundProcesses> m_processes;
 };
 
 } // namespace desktop

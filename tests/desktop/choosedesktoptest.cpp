@@ -36,7 +36,7 @@ private Q_SLOTS:
             << QStringList() << true << DesktopKind::X11Root;
         QTest::newRow("nobody on the bus, and the root window is not seen")
             << QStringList() << false << DesktopKind::Unsupported;
-        for (const QString &name : {u"org.kde.plasmashell"_s, u"org.Cinnamon"_s, u"org.mate.Caja"_s,
+        for (const QString &name : {u"org.Cinnamon"_s, u"org.mate.Caja"_s,
                  u"org.mate.SettingsDaemon"_s, u"org.gnome.Shell"_s}) {
             QTest::addRow("the root window lies beneath %s", qPrintable(name))
                 << QStringList{name} << true << DesktopKind::Unsupported;
@@ -46,7 +46,42 @@ private Q_SLOTS:
     {
         QFETCH(QStringList, busNames);
         QFETCH(bool, isRootVisible);
-        QTEST(chooseDesktop(Painting{busNames, isRootVisible}), "kind");
+        Painting painting;
+        painting.busNames = busNames;
+        painting.isRootVisible = isRootVisible;
+        QTEST(chooseDesktop(painting), "kind");
+    }
+
+    void moreThanTheBusIsLookedAt_data()
+    {
+        QTest::addColumn<Painting>("painting");
+        QTest::addColumn<DesktopKind>("kind");
+
+        Painting plasma;
+        plasma.busNames = QStringList{u"org.kde.plasmashell"_s};
+        QTest::newRow("plasmashell") << plasma << DesktopKind::Plasma;
+        plasma.hasLayerShell = true;
+        QTest::newRow("plasmashell, whose compositor has a layer for backgrounds")
+            << plasma << DesktopKind::Plasma;
+        plasma.swaySocket = u"/run/sway"_s;
+        QTest::newRow("sway, beneath which every painter lies") << plasma << DesktopKind::Sway;
+
+        Painting layerShell;
+        layerShell.hasLayerShell = true;
+        QTest::newRow("a layer for backgrounds") << layerShell << DesktopKind::Swaybg;
+        layerShell.busNames = QStringList{u"org.xfce.xfdesktop"_s};
+        QTest::newRow("a painter who may use that layer") << layerShell << DesktopKind::Xfce;
+
+        Painting sandbox;
+        sandbox.needsPortal = true;
+        QTest::newRow("in a sandbox on GNOME") << sandbox << DesktopKind::Portal;
+        sandbox.busNames = QStringList{u"org.gnome.Shell"_s};
+        QTest::newRow("in a sandbox that sees GNOME's shell") << sandbox << DesktopKind::Portal;
+    }
+    void moreThanTheBusIsLookedAt()
+    {
+        QFETCH(Painting, painting);
+        QTEST(chooseDesktop(painting), "kind");
     }
 };
 

@@ -1,0 +1,124 @@
+#include "desktop/waylandglobals.h"
+
+#include <algorithm>
+#include <list>
+#include <memory>
+#include <string_view>
+
+#include <poll.h>
+#include <wayland-client.h>
+
+namespace desktop {
+
+namespace {
+
+constexpr uint32_t versionWithNames = WL_OUTPUT_NAME_SINCE_VERSION;
+
+template <auto destroy>
+struct Destroy
+{
+    template <typename Proxy>
+    void operator()(Proxy *proxy) const
+    {
+        destroy(proxy);
+    }
+};
+using Display = std::unique_ptr<wl_display, Destroy<wl_display_disconnect>>;
+using Registry = std::unique_ptr<wl_registry, Destroy<wl_registry_destroy>>;
+using Output = std::unique_ptr<wl_output, Destroy<wl_output_destroy>>;
+using Callback = std::unique_ptr<wl_callback, Destroy<wl_callback_destroy>>;
+
+struct Found
+{
+    WaylandGlobals globals;
+    std::list<Output> outputs;
+};
+
+void nameSeen(void *data, wl_output * /*output*/, const char *name)
+{
+    static_cast<Found *>(data)->globals.outputs.append(QString::fromUtf8(name));
+}
+
+// The library calls through every pointer of the event that arrives.
+constexpr wl_output_listener outputListener{
+    [](auto...) {}, [](auto...) {}, [](auto...) {}, [](auto...) {}, nameSeen, [](auto...) {}};
+
+void globalSeen(
+    void *data, wl_registry *registry, uint32_t number, const char *interface, uint32_t version)
+{
+    auto *found = static_cast<Found *>(data);
+    const std::string_view name(interface);
+    if (name == "zwlr_layer_shell_v1") {
+        found->globals.hasLayerShell = true;
+    } else if (name == wl_output_interface.name && version >= versionWithNames) {
+        auto *output = static_cast<wl_output *>(
+            wl_registry_bind(registry, number, &wl_output_interface, versionWithNames));
+        wl_output_add_listener(output, &outputListener, found);
+        found->outputs.emplace_back(output);
+    }
+}
+
+constexpr wl_registry_listener registryListener{globalSeen, [](auto...) {}};
+
+/// Whether something came to be read.
+bool waitForEvents(wl_display *display, QDeadlineTimer deadline)
+{
+    wl_display_flush(display);
+    pollfd socket{wl_display_get_fd(display), POLLIN, 0};
+    return poll(&socket, 1, int(deadline.remainingTime())) > 0;
+}
+
+bool readEvents(wl_display *display, QDeadlineTimer deadline)
+{
+    if (wl_display_prepare_read(display) == 0) {
+        if (!waitForEvents(display, deadline)) {
+            wl_display_cancel_read(display);
+            return false;
+        }
+        if (wl_display_read_events(display) < 0) {
+            return false;
+        }
+    }
+    return wl_display_dispatch_pending(display) >= 0;
+}
+
+void answerSeen(void *data, wl_callback * /*callback*/, uint32_t /*serial*/)
+{
+    *static_cast<bool *>(data) = true;
+}
+
+constexpr wl_callback_listener answerListener{answerSeen};
+
+// The library's own way to wait for all answers would wait for ever.
+bool allAnswered(wl_display *display, QDeadlineTimer deadline)
+{
+    bool answered = false;
+    const Callback callback(wl_display_sync(display));
+    wl_callback_add_listener(callback.get(), &answerListener, &answered);
+    while (!answered) {
+        if (deadline.hasExpired() || !readEvents(display, deadline)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+std::optional<WaylandGlobals> askWaylandGlobals(QDeadlineTimer deadline)
+{
+    const Display display(wl_display_connect(nullptr));
+    if (!display) {
+        return {};
+    }
+    Found found;
+    const Registry registry(wl_display_get_registry(display.get()));
+    wl_registry_add_listener(registry.get(), &registryListener, &found);
+    // First come the outputs, then their names.
+    if (!allAnswered(display.get(), deadline) || !allAnswered(display.get(), deadline)) {
+        return {};
+    }
+    return found.globals;
+}
+
+} // namespace desktop

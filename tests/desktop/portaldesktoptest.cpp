@@ -1,0 +1,180 @@
+#include "desktop/portaldesktop.h"
+
+#include <QCoroTask>
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusUnixFileDescriptor>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+using desktop::Picture;
+using desktop::PortalDesktop;
+using desktop::SetResult;
+
+namespace {
+
+const QString busName = u"the fake portal"_s;
+
+} // namespace
+
+/// Stands on the session bus where the portal would, and reads what it is handed.
+class FakePortal : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Wallpaper")
+
+public:
+    enum Order {
+        ResponseFirst,
+        ResponseLast,
+    };
+
+    /// Without a @p response, there is none.
+    explicit FakePortal(std::optional<uint> response, Order order = ResponseLast)
+        : m_response(response), m_order(order),
+          m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, busName))
+    {
+        if (!m_bus.registerObject(
+                u"/org/freedesktop/portal/desktop"_s, this, QDBusConnection::ExportAllSlots)
+            || !m_bus.registerService(u"org.freedesktop.portal.Desktop"_s)) {
+            qFatal("The fake needs a bus of its own.");
+        }
+    }
+    ~FakePortal() override { QDBusConnection::disconnectFromBus(busName); }
+
+    QByteArray content;
+    QVariantMap options;
+
+public Q_SLOTS:
+    QDBusObjectPath SetWallpaperFile(
+        const QString & /*parent*/, const QDBusUnixFileDescriptor &file, const QVariantMap &given)
+    {
+        QFile opened;
+        if (opened.open(file.fileDescriptor(), QIODevice::ReadOnly)) {
+            content = opened.readAll();
+        }
+        options = given;
+        const QString request = u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(
+            message().service().mid(1).replace(u'.', u'_'), given[u"handle_token"_s].toString());
+        QDBusMessage response = QDBusMessage::createSignal(
+            request, u"org.freedesktop.portal.Request"_s, u"Response"_s);
+        response.setArguments({m_response.value_or(0), QVariantMap()});
+        if (m_response && m_order == ResponseFirst) {
+            m_bus.send(response);
+        } else if (m_response) {
+            setDelayedReply(true);
+            m_bus.send(message().createReply(QVariant::fromValue(QDBusObjectPath(request))));
+            m_bus.send(response);
+        }
+        return QDBusObjectPath(request);
+    }
+
+private:
+    const std::optional<uint> m_response;
+    const Order m_order;
+    QDBusConnection m_bus;
+};
+
+class PortalDesktopTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_folder;
+
+    QString picture() const
+    {
+        QFile file(m_folder.filePath(u"a b.png"_s));
+        if (!file.open(QIODevice::WriteOnly) || file.write("picture") != 7) {
+            qFatal("The test's own picture cannot be written.");
+        }
+        return file.fileName();
+    }
+    static QString errorOf(
+        const QString &file, const QDBusConnection &bus = QDBusConnection::sessionBus())
+    {
+        PortalDesktop portal(bus);
+        const SetResult result = QCoro::waitFor(portal.setPicture(Picture{file, "png"_ba, {}}, {}));
+        return result ? u"no error"_s : result.error();
+    }
+
+private Q_SLOTS:
+    void theOpenFileIsHandedOver()
+    {
+        FakePortal portal(0);
+        QCOMPARE(errorOf(picture()), u"no error"_s);
+        QCOMPARE(portal.content, "picture"_ba);
+        QCOMPARE(portal.options[u"set-on"_s].toString(), u"background"_s);
+        QCOMPARE(portal.options[u"show-preview"_s], QVariant(false));
+    }
+
+    void theResponseCounts_data()
+    {
+        QTest::addColumn<uint>("response");
+        QTest::addColumn<FakePortal::Order>("order");
+        QTest::addColumn<QString>("error");
+        const QString cancelled = u"Setting the picture was cancelled"_s;
+        const QString refused = u"The desktop refused the picture"_s;
+        QTest::newRow("done") << 0U << FakePortal::ResponseLast << u"no error"_s;
+        QTest::newRow("done before the call is answered")
+            << 0U << FakePortal::ResponseFirst << u"no error"_s;
+        QTest::newRow("cancelled") << 1U << FakePortal::ResponseLast << cancelled;
+        QTest::newRow("cancelled before the call is answered")
+            << 1U << FakePortal::ResponseFirst << cancelled;
+        QTest::newRow("failed") << 2U << FakePortal::ResponseLast << refused;
+        QTest::newRow("unknown") << 77U << FakePortal::ResponseLast << refused;
+    }
+    void theResponseCounts()
+    {
+        QFETCH(uint, response);
+        QFETCH(FakePortal::Order, order);
+        const FakePortal portal(response, order);
+        QTEST(errorOf(picture()), "error");
+    }
+
+    void withoutAResponseItEndsAfterThreeSeconds()
+    {
+        const FakePortal portal({});
+        QElapsedTimer clock;
+        clock.start();
+        QCOMPARE(errorOf(picture()),
+            u"The desktop did not answer within 3 seconds; it may be asking for permission"_s);
+        const qint64 elapsed = clock.elapsed();
+        QVERIFY2(elapsed > 2800 && elapsed < 5000, qPrintable(QString::number(elapsed)));
+    }
+
+    void aPortalWithoutWallpapersIsAnError()
+    {
+        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, busName);
+        QVERIFY(bus.registerService(u"org.freedesktop.portal.Desktop"_s));
+        const QString error = errorOf(picture());
+        QDBusConnection::disconnectFromBus(busName);
+        QVERIFY2(error.startsWith(u"The desktop refused the picture: "_s), qPrintable(error));
+    }
+
+    // A missing portal would be started by the bus: that of the machine, not a fake.
+    void noBusIsAnError()
+    {
+        const QString error = errorOf(picture(), QDBusConnection(u"never connected"_s));
+        QVERIFY2(error.startsWith(u"The session bus cannot be reached: "_s), qPrintable(error));
+    }
+
+    void aFileThatIsGoneIsAnError()
+    {
+        FakePortal portal(0);
+        const QString error = errorOf(m_folder.filePath(u"gone.png"_s));
+        QVERIFY2(error.startsWith(u"The file cannot be read: "_s), qPrintable(error));
+        QVERIFY(portal.options.isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(PortalDesktopTest)
+
+#include "portaldesktoptest.moc"
