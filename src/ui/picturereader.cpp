@@ -57,20 +57,28 @@ QRect worthKeeping(QSize scaled, QSize box)
     return kept & whole;
 }
 
-void scaleDown(QImageReader &reader, QSize size, QSize box, Framing framing)
+QSize scaledSize(QSize size, QSize box, Framing framing)
 {
     const auto mode
         = framing == Framing::Cover ? Qt::KeepAspectRatioByExpanding : Qt::KeepAspectRatio;
-    const QSize wanted = size.scaled(box, mode).expandedTo({1, 1});
-    const QSize scaled = wanted.width() < size.width() ? wanted : size;
-    if (scaled != size) {
+    const QSize scaled = size.scaled(box, mode).expandedTo({1, 1});
+    return scaled.width() < size.width() ? scaled : size;
+}
+
+QImage readScaled(QImageReader &reader, QSize scaled, QRect kept)
+{
+    // Qt's own way of scaling a PNG loses the colours of pictures with two of them.
+    if (reader.imageFormat() == QImage::Format_Mono) {
+        return reader.read().scaled(scaled).copy(kept);
+    }
+    const QRect whole({}, scaled);
+    if (scaled != reader.size() || kept != whole) {
         reader.setScaledSize(scaled);
     }
-    const QRect kept = worthKeeping(scaled, box);
-    if (framing == Framing::Cover && kept.size() != scaled) {
-        reader.setScaledSize(scaled);
+    if (kept != whole) {
         reader.setScaledClipRect(kept);
     }
+    return reader.read();
 }
 
 } // namespace
@@ -94,8 +102,11 @@ QImage readPicture(const QString &file, QSize box, Framing framing, const std::a
         return {};
     }
     const bool lying = reader.transformation() & QImageIOHandler::TransformationRotate90;
-    scaleDown(reader, size, lying ? box.transposed() : box, framing);
-    QImage image = reader.read();
+    const QSize boxInFile = lying ? box.transposed() : box;
+    const QSize scaled = scaledSize(size, boxInFile, framing);
+    const QRect kept
+        = framing == Framing::Cover ? worthKeeping(scaled, boxInFile) : QRect({}, scaled);
+    QImage image = readScaled(reader, scaled, kept);
     if (image.isNull() || stopped) {
         return {};
     }

@@ -67,6 +67,7 @@ private Q_SLOTS:
     void overwrittenFileShowsItsNewPicture();
     void wideAndTallPicturesFillTheTile_data();
     void wideAndTallPicturesFillTheTile();
+    void pictureOfTwoColorsKeepsThem();
     void cornersAreRound();
 
     // The keyboard.
@@ -440,6 +441,19 @@ void GalleryTest::wideAndTallPicturesFillTheTile()
     }
     // At most what two tiles take, however large the file is.
     QVERIFY(picture(tiles(window).first())->decodedSize().width() <= 2 * 384);
+}
+
+void GalleryTest::pictureOfTwoColorsKeepsThem()
+{
+    Stage stage;
+    QImage image(800, 600, QImage::Format_Mono);
+    image.setColorTable({qRgb(255, 0, 0), qRgb(0, 0, 255)});
+    image.fill(0);
+    QVERIFY(image.save(stage.putImage(u"wallpaper.png"_s).toLocalFile()));
+    QQuickWindow *window = stage.openMain();
+    QTRY_VERIFY(isReady(tiles(window).first()));
+    const QPointF middle = place(picture(tiles(window).first())).center();
+    QTRY_COMPARE(colorAt(window, middle), QColor(Qt::red));
 }
 
 void GalleryTest::cornersAreRound()
