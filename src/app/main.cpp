@@ -1,3 +1,4 @@
+#include "app/coredumps.h"
 #include "app/singleinstance.h"
 #include "app/wallpaperapp.h"
 
@@ -10,6 +11,7 @@ using namespace Qt::StringLiterals;
 
 int main(int argc, char *argv[])
 {
+    app::forbidCoreDumps();
     QApplication application(argc, argv);
     QCoreApplication::setOrganizationName(u"tarnel"_s);
     QCoreApplication::setOrganizationDomain(u"tarnel.com"_s);

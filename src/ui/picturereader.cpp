@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QtEndian>
 
 #include <algorithm>
 
@@ -12,7 +13,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// 8192 x 8192; the largest wallpapers have half as many.
+/// 8192 x 8192, for what is scaled while it is decoded. A picture that has to be decoded whole, an
+/// interlaced one for instance, is bound by the 128 MB that Qt grants it. That stays so: 8192 x
+/// 4096 is enough for the largest wallpapers, and a picture made to take memory takes no more.
 constexpr qint64 mostPixels = 64LL * 1024 * 1024;
 
 /// A decoder knows no other way to be stopped than a device that ends.
@@ -45,6 +48,28 @@ QByteArray formatByContent(QIODevice &device)
     }
     return head.startsWith("RIFF"_ba) && head.sliced(4).endsWith("WEBP"_ba) ? "webp"_ba
                                                                             : QByteArray();
+}
+
+/// libpng clears as much memory as a chunk says that it is long, up to two gigabytes, before it
+/// finds that the bytes are not there.
+bool chunksFit(QIODevice &png)
+{
+    constexpr qint64 signature = 8;
+    constexpr qint64 head = 8;
+    constexpr qint64 checksum = 4;
+    const qint64 size = png.size();
+    qint64 offset = signature;
+    while (offset + head <= size) {
+        const QByteArray chunk = png.seek(offset) ? png.read(head) : QByteArray();
+        if (chunk.size() < head) {
+            return false;
+        }
+        if (chunk.endsWith("IEND")) {
+            break;
+        }
+        offset += head + qFromBigEndian<quint32>(chunk.constData()) + checksum;
+    }
+    return offset <= size && png.seek(0);
 }
 
 /// What of a picture scaled to @p scaled is worth keeping: a panorama that covers a box can be a
@@ -93,7 +118,11 @@ QImage readPicture(const QString &file, QSize box, Framing framing, const std::a
     if (!device.open(QIODevice::ReadOnly)) {
         return {};
     }
-    QImageReader reader(&device, formatByContent(device));
+    const QByteArray format = formatByContent(device);
+    if (format == "png" && !chunksFit(device)) {
+        return {};
+    }
+    QImageReader reader(&device, format);
     reader.setAutoDetectImageFormat(false);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
@@ -110,9 +139,9 @@ QImage readPicture(const QString &file, QSize box, Framing framing, const std::a
     if (image.isNull() || stopped) {
         return {};
     }
-    const auto format
+    const auto pixels
         = image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
-    return std::move(image).convertToFormat(format);
+    return std::move(image).convertToFormat(pixels);
 }
 
 } // namespace ui

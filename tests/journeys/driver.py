@@ -233,10 +233,10 @@ class Plenaura:
 
     # Starting and ending.
 
-    def start(self, wait_for_window=True):
+    def start(self, wait_for_window=True, **options):
         environment = {**os.environ, "HOME": str(self.home),
                        "XDG_CONFIG_HOME": str(self.home / ".config"), **self.environment}
-        self.process = Process([self.binaries / self.program], env=environment)
+        self.process = Process([self.binaries / self.program], env=environment, **options)
         wait_until(lambda: has_owner(self.NAME) or not self.process.alive(), "the program's name")
         if wait_for_window:
             self.find("push button", GENERATE)

@@ -1,0 +1,154 @@
+#include "ui/picturereader.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QImageReader>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+class PictureReaderTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theContentDecidesNotTheName_data();
+    void theContentDecidesNotTheName();
+    void noOtherDecoderIsAsked_data();
+    void noOtherDecoderIsAsked();
+    void whatIsTooLargeIsNotShown_data();
+    void whatIsTooLargeIsNotShown();
+    void aChunkThatSaysToBeLongTakesNoMemory();
+    void whatFollowsAPictureDoesNoHarm();
+    void aPipeIsNotWaitedFor();
+
+private:
+    QImage read(const QString &name) const
+    {
+        const std::atomic_bool stopped = false;
+        return ui::readPicture(m_folder.filePath(name), {64, 40}, ui::Framing::Fit, stopped);
+    }
+    void put(const QString &name, const QByteArray &bytes) const
+    {
+        QFile file(m_folder.filePath(name));
+        QVERIFY(file.open(QFile::WriteOnly));
+        QCOMPARE(file.write(bytes), bytes.size());
+    }
+
+    QTemporaryDir m_folder;
+};
+
+namespace {
+
+QByteArray encoded(QSize size, const char *format, QImage::Format pixels = QImage::Format_Mono)
+{
+    QImage image(size, pixels);
+    image.fill(1);
+    QBuffer buffer;
+    return image.save(&buffer, format) ? buffer.data() : QByteArray();
+}
+
+/// In kilobytes, since the program began.
+long mostMemory()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+} // namespace
+
+void PictureReaderTest::theContentDecidesNotTheName_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    for (const auto *format : {"png", "jpeg", "webp"}) {
+        QTest::newRow(format) << QByteArray(format);
+    }
+}
+
+void PictureReaderTest::theContentDecidesNotTheName()
+{
+    QFETCH(const QByteArray, format);
+    for (const QString &name : {u"a.png"_s, u"a.jpg"_s, u"a"_s}) {
+        put(name, encoded({32, 20}, format));
+        QCOMPARE(read(name).size(), QSize(32, 20));
+    }
+}
+
+void PictureReaderTest::noOtherDecoderIsAsked_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("svg")
+        << QByteArray("svg")
+        << QByteArray(
+               R"(<svg xmlns="http://www.w3.org/2000/svg" width="32" height="20"><rect width="9" height="9"/></svg>)");
+    for (const auto *format : {"bmp", "xbm", "xpm", "ppm", "ico", "tiff"}) {
+        QTest::newRow(format) << QByteArray(format) << encoded({32, 32}, format);
+    }
+}
+
+void PictureReaderTest::noOtherDecoderIsAsked()
+{
+    QFETCH(const QByteArray, format);
+    QFETCH(QByteArray, bytes);
+    QBuffer buffer(&bytes);
+    if (QImageReader(&buffer).size().isEmpty()) {
+        QSKIP("This system has no such decoder.");
+    }
+    put(u"a.png"_s, bytes);
+    QVERIFY(read(u"a.png"_s).isNull());
+}
+
+void PictureReaderTest::whatIsTooLargeIsNotShown_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<QImage::Format>("pixels");
+    QTest::addColumn<QSize>("largest");
+    QTest::addColumn<QSize>("tooLarge");
+    QTest::newRow("scaled while it is decoded")
+        << QByteArray("jpeg") << QImage::Format_RGB32 << QSize(8192, 8192) << QSize(8193, 8192);
+    QTest::newRow("decoded whole") // Qt counts whole megabytes.
+        << QByteArray("png") << QImage::Format_Mono << QSize(8192, 4096) << QSize(8192, 4128);
+}
+
+void PictureReaderTest::whatIsTooLargeIsNotShown()
+{
+    QFETCH(const QByteArray, format);
+    QFETCH(const QImage::Format, pixels);
+    QFETCH(const QSize, largest);
+    QFETCH(const QSize, tooLarge);
+    put(u"largest.png"_s, encoded(largest, format, pixels));
+    QVERIFY(!read(u"largest.png"_s).isNull());
+    put(u"toolarge.png"_s, encoded(tooLarge, format, pixels));
+    QVERIFY(read(u"toolarge.png"_s).isNull());
+}
+
+void PictureReaderTest::aChunkThatSaysToBeLongTakesNoMemory()
+{
+    constexpr qsizetype behindTheHeader = 33;
+    const QByteArray chunk = QByteArray::fromHex("40000000") + "tEXtx";
+    put(u"a.png"_s, encoded({32, 20}, "png").insert(behindTheHeader, chunk));
+    const long before = mostMemory();
+    QVERIFY(read(u"a.png"_s).isNull());
+    QVERIFY2(mostMemory() - before < 100L * 1024, qPrintable(QString::number(mostMemory())));
+}
+
+void PictureReaderTest::whatFollowsAPictureDoesNoHarm()
+{
+    put(u"a.png"_s, encoded({32, 20}, "png") + "something else");
+    QCOMPARE(read(u"a.png"_s).size(), QSize(32, 20));
+}
+
+void PictureReaderTest::aPipeIsNotWaitedFor()
+{
+    QCOMPARE(mkfifo(QFile::encodeName(m_folder.filePath(u"pipe.png"_s)).constData(), 0600), 0);
+    QVERIFY(read(u"pipe.png"_s).isNull());
+}
+
+QTEST_GUILESS_MAIN(PictureReaderTest)
+#include "picturereadertest.moc"
