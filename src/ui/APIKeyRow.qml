@@ -44,6 +44,8 @@ Item {
         symbol: "trash"
         Accessible.name: qsTr("Delete %1 API key").arg(root.label)
         onClicked: root.key.remove()
+        // The keyboard would stay on what is no longer there.
+        onVisibleChanged: if (!visible && activeFocus) field.forceActiveFocus(Qt.OtherFocusReason)
     }
     NoteLine {
         id: savedNote

@@ -88,15 +88,17 @@ FocusScope {
                     size: PushButton.Small
                     prominent: true
                     title: qsTr("Apply")
-                    focusPolicy: root.current ? Qt.TabFocus : Qt.NoFocus
+                    focusPolicy: root.current || activeFocus ? Qt.TabFocus : Qt.NoFocus
                     onClicked: root.applyRequested()
+                    // Back to the tile, which is the scope of its buttons and would be passed over.
+                    Keys.onBacktabPressed: focus = false
                 }
                 PushButton {
                     size: PushButton.Small
                     destructive: true
                     symbol: "trash"
                     Accessible.name: qsTr("Delete")
-                    focusPolicy: root.current ? Qt.TabFocus : Qt.NoFocus
+                    focusPolicy: root.current || activeFocus ? Qt.TabFocus : Qt.NoFocus
                     onClicked: root.deleteRequested()
                 }
             }

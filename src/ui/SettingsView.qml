@@ -30,6 +30,7 @@ FocusScope {
         Keys.onRightPressed: incrementCurrentIndex()
 
         contentItem: ListView {
+            focus: true
             model: bar.contentModel
             currentIndex: bar.currentIndex
             orientation: ListView.Horizontal

@@ -45,6 +45,7 @@ class Theme : public QObject
     Q_PROPERTY(QColor selection READ selection NOTIFY changed)
     Q_PROPERTY(QColor selectedText READ selectedText NOTIFY changed)
     Q_PROPERTY(QFont body READ body NOTIFY changed)
+    Q_PROPERTY(QFont headline READ headline NOTIFY changed)
     Q_PROPERTY(QFont subheadline READ subheadline NOTIFY changed)
     Q_PROPERTY(QFont caption READ caption NOTIFY changed)
     Q_PROPERTY(QFont caption2 READ caption2 NOTIFY changed)
@@ -83,6 +84,7 @@ public:
     QColor selection() const { return m_colors.selection; }
     QColor selectedText() const { return m_colors.selectedText; }
     QFont body() const { return scaled(1); }
+    QFont headline() const { return scaled(1, QFont::DemiBold); }
     QFont subheadline() const { return scaled(0.94, QFont::Medium); }
     QFont caption() const { return scaled(0.88); }
     QFont caption2() const { return scaled(0.84); }

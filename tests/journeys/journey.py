@@ -3,6 +3,7 @@
 import os
 import pathlib
 import shutil
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -35,6 +36,15 @@ class Journey(unittest.TestCase):
         if folder and failed:
             os.makedirs(folder, exist_ok=True)
             self.desktop.screenshot(pathlib.Path(folder) / f"{self.id()}.png")
+
+    def put_pictures(self, *colors):
+        """Pictures of an earlier day; the last one is the newest."""
+        self.program.image_folder.mkdir(parents=True)
+        pictures = [self.program.image_folder / f"wallpaper_2026-01-01_10-00-{number:02}.png"
+                    for number, _ in enumerate(colors)]
+        for picture, color in zip(pictures, colors):
+            subprocess.run(["convert", "-size", "640x360", f"xc:{color}", picture], check=True)
+        return pictures
 
     def request_bodies(self):
         return [request["body"] for request in self.service.requests()]

@@ -16,8 +16,7 @@ Column {
 
         leftPadding: 10
         width: root.width
-        font.pointSize: Theme.body.pointSize
-        font.weight: Font.DemiBold
+        font: Theme.headline
     }
     Rectangle {
         width: root.width

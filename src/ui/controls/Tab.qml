@@ -22,6 +22,8 @@ T.TabButton {
     Accessible.name: title
     Accessible.checkable: true
     Accessible.onPressAction: bar.setCurrentIndex(index)
+    Keys.onReturnPressed: bar.setCurrentIndex(index)
+    Keys.onEnterPressed: bar.setCurrentIndex(index)
 
     contentItem: NoteLine {
         decorative: true
