@@ -108,6 +108,11 @@ double peakInImages(const std::function<void()> &work)
     return std::max(0.0, statusBytes("VmHWM") - before) / imageSize;
 }
 
+double residentMegabytes()
+{
+    return statusBytes("VmRSS") / (1024 * 1024);
+}
+
 double median(QList<double> values)
 {
     std::sort(values.begin(), values.end());

@@ -31,6 +31,9 @@ double timeInC(
 /// Resident memory that @p work takes at its peak beyond what was there before, in images.
 double peakInImages(const std::function<void()> &work);
 
+/// Resident memory of this program, in MB.
+double residentMegabytes();
+
 double median(QList<double> values);
 
 /// Prints one line and notes whether the budget is met.

@@ -1,5 +1,6 @@
 #include "app/coredumps.h"
 #include "app/singleinstance.h"
+#include "app/translations.h"
 #include "app/wallpaperapp.h"
 
 #include <QApplication>
@@ -20,6 +21,7 @@ int main(int argc, char *argv[])
     QGuiApplication::setDesktopFileName(u"com.tarnel.Plenaura"_s);
     QGuiApplication::setWindowIcon(
         QIcon::fromTheme(u"com.tarnel.Plenaura"_s, QIcon(u":/plenaura/application.svg"_s)));
+    app::installTranslations();
 
     app::SingleInstance instance;
     switch (instance.claim()) {

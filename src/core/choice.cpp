@@ -1,5 +1,7 @@
 #include "core/choice.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -46,7 +48,7 @@ QStringList missingKeys(
         missing << providerName;
     }
     if (needsUpscale && !hasGeminiKey && !missing.contains("Gemini"_L1)) {
-        missing << u"Gemini (for 4K upscale)"_s;
+        missing << QCoreApplication::translate("MissingKeys", "Gemini (for 4K upscale)");
     }
     return missing;
 }

@@ -1,5 +1,6 @@
 #include "core/texts.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 #include <QRegularExpression>
 
@@ -10,10 +11,15 @@ namespace core::texts {
 QString formatInterval(qint64 minutes)
 {
     if (minutes < 60) {
-        return QString::number(minutes) + " min"_L1;
+        return QCoreApplication::translate("Interval", "%1 min").arg(minutes);
     }
     const qint64 hours = minutes / 60;
-    return hours == 1 ? u"1 hour"_s : QString::number(hours) + " hours"_L1;
+    if (hours == 1) {
+        return QCoreApplication::translate("Interval", "1 hour");
+    }
+    // Languages choose the form of a noun by the last digits of its number.
+    const int lastDigits = int(hours % 1'000'000);
+    return QCoreApplication::translate("Interval", "%1 hours", nullptr, lastDigits).arg(hours);
 }
 
 QString missingKey(const QString &providerName)

@@ -5,7 +5,8 @@
 
 namespace core::texts {
 
-/// Label of an interval of @p minutes: whole hours from 60 up, the remainder dropped.
+/// Label of an interval of @p minutes, in the person's language: whole hours from 60 up, the
+/// remainder dropped.
 QString formatInterval(qint64 minutes);
 QString missingKey(const QString &providerName);
 QString upscaleFailed(const QString &reason);

@@ -11,7 +11,9 @@ ScrollColumn {
         openai.key.load();
     }
 
-    spacing: 14
+    // The window has one height, and three empty rows fit into it.
+    verticalPadding: 14
+    spacing: 10
     onVisibleChanged: if (visible) loadAllKeys()
     Component.onCompleted: loadAllKeys()
 

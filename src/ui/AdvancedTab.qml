@@ -7,8 +7,10 @@ ScrollColumn {
 
     required property AdvancedSettings advanced
     readonly property list<string> overrides: ["auto", "openai"]
-    readonly property int pickerWidth: 230
+    // All alike, and wider only where a language needs it; the titles need their place as well.
+    readonly property real pickerWidth: Math.min(Math.max(230, geminiPicker.implicitWidth, grokPicker.implicitWidth, openaiPicker.implicitWidth, providerPicker.implicitWidth), width * 0.55)
 
+    verticalPadding: 14
     spacing: 14
     onVisibleChanged: if (visible) advanced.loadModels()
 
@@ -21,6 +23,8 @@ ScrollColumn {
             title: qsTr("Gemini Model")
 
             Picker {
+                id: geminiPicker
+
                 width: root.pickerWidth
                 title: qsTr("Gemini Model")
                 model: root.advanced.gemini.labels
@@ -32,6 +36,8 @@ ScrollColumn {
             title: qsTr("Grok Model")
 
             Picker {
+                id: grokPicker
+
                 width: root.pickerWidth
                 title: qsTr("Grok Model")
                 model: root.advanced.grok.labels
@@ -43,6 +49,8 @@ ScrollColumn {
             title: qsTr("OpenAI Model")
 
             Picker {
+                id: openaiPicker
+
                 width: root.pickerWidth
                 title: qsTr("OpenAI Model")
                 model: root.advanced.openai.labels
@@ -61,6 +69,8 @@ ScrollColumn {
             title: qsTr("Provider")
 
             Picker {
+                id: providerPicker
+
                 width: root.pickerWidth
                 title: qsTr("Provider")
                 model: [qsTr("Auto (recommended)"), qsTr("Force OpenAI")]

@@ -21,17 +21,22 @@ Column {
         onToggled: root.manager.autoEnabled = checked
     }
     Row {
+        id: row
+
         objectName: "intervalRow"
         visible: root.manager.autoEnabled
         spacing: 8
 
         PlainLabel {
             anchors.verticalCenter: parent.verticalCenter
+            width: Math.min(implicitWidth, root.width - row.spacing - 110)
             text: qsTr("Every")
             color: Theme.secondary
+            wrapMode: Text.Wrap
         }
         Picker {
-            width: 110
+            // Wider only where a language has longer names for the intervals.
+            width: Math.min(implicitWidth, root.width - x)
             title: qsTr("Every")
             model: interval.labels
             currentIndex: interval.index

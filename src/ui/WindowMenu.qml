@@ -17,9 +17,9 @@ SymbolButton {
     T.Menu {
         id: menu
 
-        x: root.width - width
+        x: root.width - root.rightPadding - width
         y: root.height
-        implicitWidth: 150
+        implicitWidth: Math.max(150, settingsEntry.implicitWidth + leftPadding + rightPadding, quitEntry.implicitWidth + leftPadding + rightPadding)
         implicitHeight: contentHeight + topPadding + bottomPadding
         padding: 4
 
@@ -37,10 +37,14 @@ SymbolButton {
         }
 
         MenuEntry {
+            id: settingsEntry
+
             title: qsTr("Settings...")
             onTriggered: root.windows.showSettings()
         }
         MenuEntry {
+            id: quitEntry
+
             title: qsTr("Quit")
             onTriggered: root.windows.reallyQuitRequested()
         }

@@ -45,10 +45,14 @@ Item {
             id: label
 
             Accessible.ignored: true
+            anchors.verticalCenter: parent.verticalCenter
             visible: text !== ""
-            // No wider than the button, so that a long translation ends in an ellipsis.
+            // No wider than the button: a long translation takes a second line.
             width: Math.min(implicitWidth, Math.max(0, root.width - root.besideLabel - root.gap))
+            wrapMode: Text.Wrap
+            maximumLineCount: 2
             elide: Text.ElideRight
+            horizontalAlignment: Text.AlignHCenter
             text: root.title
             color: root.color
         }

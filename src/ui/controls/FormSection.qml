@@ -9,7 +9,7 @@ Column {
     property alias header: headerLabel.text
     property alias footer: footerLabel.text
 
-    spacing: 6
+    spacing: 5
 
     PlainLabel {
         id: headerLabel

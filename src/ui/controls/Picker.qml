@@ -19,6 +19,7 @@ T.ComboBox {
     }
 
     implicitWidth: Math.max(110, implicitContentWidth + leftPadding + rightPadding)
+    implicitContentWidthPolicy: T.ComboBox.WidestText
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     padding: 5
     leftPadding: 10
@@ -34,15 +35,24 @@ T.ComboBox {
     Keys.onEnterPressed: popup.open()
 
     contentItem: T.TextField {
-        Accessible.name: text
+        Accessible.name: root.displayText
         Accessible.readOnly: true
         implicitHeight: contentHeight
         enabled: false
         readOnly: true
-        text: root.displayText
+        text: shown.elidedText
         color: root.enabled ? Theme.buttonText : Theme.tertiary
         font: root.font
         verticalAlignment: TextInput.AlignVCenter
+    }
+
+    TextMetrics {
+        id: shown
+
+        text: root.displayText
+        font: root.font
+        elide: Text.ElideRight
+        elideWidth: root.availableWidth
     }
 
     indicator: Symbol {
@@ -110,7 +120,7 @@ T.ComboBox {
 
     popup: T.Popup {
         y: root.height + 2
-        width: Math.max(root.width, 110)
+        width: Math.max(root.width, root.implicitContentWidth + root.leftPadding + root.rightPadding + leftPadding + rightPadding)
         height: Math.min(contentItem.implicitHeight + 8, (root.Window.window?.height ?? 400) - 16)
         margins: 8
         padding: 4

@@ -9,11 +9,12 @@ Flickable {
     default property alias content: column.data
     property alias spacing: column.spacing
     property int padding: 20
+    property int verticalPadding: padding
 
     function reveal(item: Item) {
         const place = item.mapToItem(column, 0, 0);
-        const top = column.y + place.y - padding;
-        const bottom = column.y + place.y + item.height + padding;
+        const top = column.y + place.y - verticalPadding;
+        const bottom = column.y + place.y + item.height + verticalPadding;
         if (bottom - contentY > height)
             contentY = bottom - height;
         if (top < contentY)
@@ -30,7 +31,7 @@ Flickable {
 
     clip: true
     contentWidth: width
-    contentHeight: column.height + 2 * padding
+    contentHeight: column.height + 2 * verticalPadding
     boundsBehavior: Flickable.StopAtBounds
     // Dragging would fight with the selection of text.
     interactive: false
@@ -41,7 +42,7 @@ Flickable {
         id: column
 
         x: root.padding
-        y: root.padding
+        y: root.verticalPadding
         width: root.width - 2 * root.padding
     }
     WheelHandler {

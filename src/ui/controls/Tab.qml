@@ -11,6 +11,8 @@ T.TabButton {
     required property string symbol
     required property string title
 
+    // Else the bar would make all its tabs equally wide, too narrow for the longest title.
+    width: implicitWidth
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: 14
