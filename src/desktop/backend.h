@@ -20,6 +20,10 @@ public:
 
     /// The backend must outlive the task.
     virtual QCoro::Task<SetResult> setPicture(Picture picture, Screen screen) = 0;
+
+    /// Screens may have come, gone or changed their size: makes up for what the desktop does not do
+    /// by itself. The backend must outlive the task.
+    virtual QCoro::Task<SetResult> followScreens() { co_return {}; }
 };
 
 } // namespace desktop

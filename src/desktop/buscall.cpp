@@ -58,4 +58,12 @@ QCoro::Task<BusResult> callBus(QDBusConnection bus, QDBusMessage call, QDeadline
     co_return answer.arguments();
 }
 
+QDBusMessage painterCall(const QString &painter)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        painter, u"/"_s, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
+    call.setAutoStartService(false);
+    return call;
+}
+
 } // namespace desktop

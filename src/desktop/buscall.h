@@ -27,4 +27,7 @@ using BusResult = tl::expected<QVariantList, BusError>;
 /// Sends @p call and comes back with the values of the answer, at @p deadline at the latest.
 QCoro::Task<BusResult> callBus(QDBusConnection bus, QDBusMessage call, QDeadlineTimer deadline);
 
+/// A question that says nothing but whether @p painter, a name on the bus, still answers.
+QDBusMessage painterCall(const QString &painter);
+
 } // namespace desktop

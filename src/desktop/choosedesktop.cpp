@@ -1,6 +1,8 @@
 #include "desktop/choosedesktop.h"
 
 #include "desktop/buscall.h"
+#include "desktop/gsettingsdesktop.h"
+#include "desktop/lxqtdesktop.h"
 #include "desktop/plasmadesktop.h"
 #include "desktop/portaldesktop.h"
 #include "desktop/swaybgdesktop.h"
@@ -16,6 +18,7 @@
 #include <QFile>
 #include <QGuiApplication>
 
+#include <algorithm>
 #include <array>
 
 namespace desktop {
@@ -30,15 +33,18 @@ struct Painter
     DesktopKind kind;
 };
 
+constexpr auto lxqtFileManager = "org.pcmanfm.PCManFM"_L1;
+
 // The first whose name is owned is the painter, so the order matters: Cinnamon owns names of GNOME,
 // too. Those not supported are here because the root window lies unseen beneath them.
 constexpr std::array painters{
     Painter{"org.kde.plasmashell"_L1, DesktopKind::Plasma},
     Painter{"org.xfce.xfdesktop"_L1, DesktopKind::Xfce},
-    Painter{"org.Cinnamon"_L1, DesktopKind::Unsupported},
-    Painter{"org.mate.Caja"_L1, DesktopKind::Unsupported},
-    Painter{"org.mate.SettingsDaemon"_L1, DesktopKind::Unsupported},
-    Painter{"org.gnome.Shell"_L1, DesktopKind::Unsupported},
+    Painter{"org.Cinnamon"_L1, DesktopKind::Cinnamon},
+    Painter{"org.mate.Caja"_L1, DesktopKind::Mate},
+    Painter{"org.mate.SettingsDaemon"_L1, DesktopKind::Mate},
+    Painter{lxqtFileManager, DesktopKind::Lxqt},
+    Painter{"org.gnome.Shell"_L1, DesktopKind::Gnome},
 };
 
 // Under Wayland an X server may run as well, but its root window is not shown.
@@ -63,7 +69,16 @@ bool isInSandboxOnGnome()
 bool seesRootWindow()
 {
     const auto display = X11Display::open();
-    return display && !display->hasDesktopWindow();
+    return display && !display->hasDesktopWindow() && !display->isRootCovered();
+}
+
+QString painterOf(const Painting &painting, DesktopKind kind)
+{
+    const auto *const painter
+        = std::find_if(painters.begin(), painters.end(), [&](const Painter &each) {
+              return each.kind == kind && painting.busNames.contains(each.busName);
+          });
+    return painter == painters.end() ? QString() : QString(painter->busName);
 }
 
 } // namespace
@@ -81,14 +96,19 @@ QCoro::Task<Painting> lookAround(QDBusConnection bus)
     }
     const QFuture<QString> swaySocket = onWorkerThread(SwayDesktop::liveSocket);
     painting.swaySocket = co_await swaySocket;
-    // When sway hangs, its socket alone shall take its time to show it.
-    if (painting.swaySocket.isEmpty() && isWaylandSession()) {
+    if (painting.busNames.contains(lxqtFileManager)) {
+        painting.isFileManagerPainting
+            = co_await LxqtDesktop::paints(bus, QDeadlineTimer(answerTime / 3));
+    }
+    // A painter is enough to know. When it hangs, what it shows the screen with hangs, too, and
+    // asking that would take up the time.
+    if (chooseDesktop(painting) == DesktopKind::Unsupported && isWaylandSession()) {
         const QFuture<std::optional<WaylandGlobals>> asking
             = onWorkerThread([deadline] { return askWaylandGlobals(deadline); });
         const std::optional<WaylandGlobals> globals = co_await asking;
         painting.hasLayerShell = globals && globals->hasLayerShell;
     }
-    if (isX11Session()) {
+    if (chooseDesktop(painting) == DesktopKind::Unsupported && isX11Session()) {
         const QFuture<bool> seen = onWorkerThread(seesRootWindow);
         painting.isRootVisible = co_await seen;
     }
@@ -104,7 +124,8 @@ DesktopKind chooseDesktop(const Painting &painting)
         return DesktopKind::Portal;
     }
     for (const Painter &painter : painters) {
-        if (painting.busNames.contains(painter.busName)) {
+        const bool paints = painter.kind != DesktopKind::Lxqt || painting.isFileManagerPainting;
+        if (paints && painting.busNames.contains(painter.busName)) {
             return painter.kind;
         }
     }
@@ -128,6 +149,17 @@ std::unique_ptr<Backend> makeBackend(DesktopKind kind, const Painting &painting,
         return std::make_unique<SwaybgDesktop>(std::move(processes));
     case DesktopKind::Xfce:
         return std::make_unique<XfceDesktop>(bus);
+    case DesktopKind::Cinnamon:
+        return std::make_unique<GSettingsDesktop>(
+            bus, painterOf(painting, kind), BackgroundKeys::cinnamon());
+    case DesktopKind::Mate:
+        return std::make_unique<GSettingsDesktop>(
+            bus, painterOf(painting, kind), BackgroundKeys::mate());
+    case DesktopKind::Lxqt:
+        return std::make_unique<LxqtDesktop>(bus);
+    case DesktopKind::Gnome:
+        return std::make_unique<GSettingsDesktop>(
+            bus, painterOf(painting, kind), BackgroundKeys::gnome());
     case DesktopKind::X11Root:
         return std::make_unique<X11RootDesktop>();
     case DesktopKind::Unsupported:

@@ -11,13 +11,14 @@ namespace desktop {
 
 class BackgroundProcesses;
 
-/// Who paints the desktop, as far as it can be seen without calling anybody: a call may start a
+/// Who paints the desktop, as far as it can be seen without starting anybody: a call may start a
 /// service that answers "done" while nobody paints.
 struct Painting
 {
-    QStringList busNames; ///< Those that have an owner.
+    QStringList busNames = {}; ///< Those that have an owner.
+    bool isFileManagerPainting = false; ///< LXQt's, which otherwise only shows folders.
     bool isRootVisible = false; ///< The X11 root window, with no window over it as the desktop.
-    QString swaySocket; ///< Path of the socket of a sway that runs; else empty.
+    QString swaySocket = {}; ///< Path of the socket of a sway that runs; else empty.
     bool needsPortal = false; ///< In a sandbox, where GNOME's settings are out of reach.
     bool hasLayerShell = false; ///< Of a Wayland compositor: a place for backgrounds.
 };
@@ -28,6 +29,10 @@ enum class DesktopKind {
     Sway,
     Swaybg,
     Xfce,
+    Cinnamon,
+    Mate,
+    Lxqt,
+    Gnome, ///< And Budgie.
     X11Root,
     Unsupported,
 };

@@ -8,6 +8,7 @@
 
 #include <QCoroFuture>
 #include <QGuiApplication>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QWindow>
 
@@ -41,9 +42,13 @@ std::optional<Screen> screenAsX11HasIt(const QScreen &screen)
     return same == monitors->end() ? monitors->front() : *same;
 }
 
-QCoro::Task<SetResult> setOnWhatPaints(QDBusConnection bus,
+/// One change waits for the one before: else the picture that is quicker to decode would be set
+/// first, and the other one, asked for earlier, would be seen in the end.
+QCoro::Task<SetResult> setOnWhatPaints(Turn turn, QDBusConnection bus,
     std::shared_ptr<BackgroundProcesses> processes, QString file, Screen screen)
 {
+    co_await turn.before;
+    const auto over = qScopeGuard([&] { turn.over->finish(); });
     const QFuture<tl::expected<Picture, QString>> reading
         = onWorkerThread([file] { return readPicture(file); });
     const tl::expected<Picture, QString> picture = co_await reading;
@@ -53,6 +58,17 @@ QCoro::Task<SetResult> setOnWhatPaints(QDBusConnection bus,
     const Painting painting = co_await lookAround(bus);
     const auto backend = makeBackend(chooseDesktop(painting), painting, bus, processes);
     co_return co_await backend->setPicture(*picture, screen);
+}
+
+// Nobody waits for it, and where it fails the screens show something until the next picture.
+QCoro::Task<> followScreens(
+    Turn turn, QDBusConnection bus, std::shared_ptr<BackgroundProcesses> processes)
+{
+    co_await turn.before;
+    const auto over = qScopeGuard([&] { turn.over->finish(); });
+    const Painting painting = co_await lookAround(bus);
+    const auto backend = makeBackend(chooseDesktop(painting), painting, bus, processes);
+    co_await backend->followScreens();
 }
 
 } // namespace
@@ -65,6 +81,16 @@ std::unique_ptr<DesktopPicture> DesktopPicture::system()
 SystemDesktopPicture::SystemDesktopPicture(QDBusConnection bus)
     : m_bus(std::move(bus)), m_processes(std::make_shared<BackgroundProcesses>())
 {
+    QObject::connect(&m_screenChanges, &ScreenChanges::settled, &m_screenChanges,
+        [this] { followScreens(takeTurn(), m_bus, m_processes); });
+}
+
+Turn SystemDesktopPicture::takeTurn()
+{
+    auto over = std::make_shared<QPromise<void>>();
+    over->start();
+    const QFuture<void> before = std::exchange(m_lastTurn, over->future());
+    return {before, over};
 }
 
 std::optional<Screen> SystemDesktopPicture::mainScreen() const
@@ -81,7 +107,7 @@ std::optional<Screen> SystemDesktopPicture::mainScreen() const
 
 QCoro::Task<SetResult> SystemDesktopPicture::setPicture(QString file, Screen screen)
 {
-    return setOnWhatPaints(m_bus, m_processes, file, screen);
+    return setOnWhatPaints(takeTurn(), m_bus, m_processes, file, screen);
 }
 
 } // namespace desktop

@@ -90,6 +90,30 @@ bool X11Display::hasDesktopWindow() const
     });
 }
 
+bool X11Display::isRootCovered() const
+{
+    const XcbReply<xcb_get_selection_owner_reply_t> compositor(xcb_get_selection_owner_reply(
+        connection(), xcb_get_selection_owner(connection(), atom("_NET_WM_CM_S0"_ba)), nullptr));
+    const std::vector<uint32_t> manager
+        = property(root(), atom("_NET_SUPPORTING_WM_CHECK"_ba), XCB_ATOM_WINDOW);
+    // Other compositors draw the root window's picture behind everything.
+    return compositor && compositor->owner != XCB_NONE && !manager.empty()
+        && textProperty(manager.front(), "_NET_WM_NAME"_ba) == "KWin";
+}
+
+QByteArray X11Display::textProperty(xcb_window_t window, const QByteArray &name) const
+{
+    constexpr uint32_t longest = 64;
+    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection(),
+        xcb_get_property(
+            connection(), 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, longest),
+        nullptr));
+    return reply && reply->format == 8
+        ? QByteArray(static_cast<const char *>(xcb_get_property_value(reply.get())),
+            xcb_get_property_value_length(reply.get()))
+        : QByteArray();
+}
+
 // A window manager may put frames between the root and the windows it lists; without a window
 // manager, or before it is ready, there is no list.
 std::vector<xcb_window_t> X11Display::topWindows() const

@@ -42,6 +42,8 @@ public:
     std::optional<std::vector<Screen>> monitors() const;
     /// Whether a window stands over the root window as the desktop, so that the root is not seen.
     bool hasDesktopWindow() const;
+    /// Whether the window manager draws the screen itself and leaves the root window out.
+    bool isRootCovered() const;
 
 private:
     struct Disconnect
@@ -51,6 +53,7 @@ private:
     using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
 
     X11Display(Connection connection, xcb_screen_t *screen);
+    QByteArray textProperty(xcb_window_t window, const QByteArray &name) const;
     QString atomName(xcb_atom_t atom) const;
     std::vector<xcb_window_t> topWindows() const;
     bool isVisible(xcb_window_t window) const;

@@ -1,10 +1,10 @@
 #include "desktop/x11rootdesktop.h"
 
+#include "desktop/composition.h"
 #include "desktop/workerthread.h"
 #include "desktop/x11display.h"
 
 #include <QCoroFuture>
-#include <QPainter>
 #include <QSysInfo>
 
 #include <algorithm>
@@ -63,19 +63,6 @@ std::optional<QImage::Format> pixelFormat(const X11Display &display)
     return depth == 24 || depth == 32 ? std::optional(QImage::Format_RGB32)
         : depth == 16                 ? std::optional(QImage::Format_RGB16)
                                       : std::nullopt;
-}
-
-QImage coveringPicture(const QImage &image, QSize size, QImage::Format format)
-{
-    const QSize part = size.scaled(image.size(), Qt::KeepAspectRatio).expandedTo({1, 1});
-    QRect source({}, part);
-    source.moveCenter(image.rect().center());
-    QImage picture(size, QImage::Format_RGB32);
-    // Where the image is transparent.
-    picture.fill(Qt::black);
-    QPainter(&picture).drawImage(
-        0, 0, image.copy(source).scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
-    return picture.convertToFormat(format);
 }
 
 /// Calls @p handle with each part of @p image that fits into one request, and where it is.
@@ -220,7 +207,7 @@ SetResult paint(const QImage &image, const QRect &screen)
     if (area.isEmpty()) {
         return tl::make_unexpected(u"The screen is no longer there"_s);
     }
-    const QImage picture = coveringPicture(image, area.size(), *format);
+    const QImage picture = compose({{area, area, image}}).convertToFormat(*format);
     const RootPicture root(*display);
     if (!root.create() || !root.fillWithPresentPicture() || !root.draw(picture, area.topLeft())) {
         return tl::make_unexpected(u"The X server refused the picture"_s);

@@ -36,14 +36,6 @@ QDBusMessage setting(const QString &property, const QVariant &value)
     return settingsCall(u"SetProperty"_s, {property, QVariant::fromValue(QDBusVariant(value))});
 }
 
-QDBusMessage painterCall()
-{
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        u"org.xfce.xfdesktop"_s, u"/"_s, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
-    call.setAutoStartService(false);
-    return call;
-}
-
 QStringList workspacesMatching(const QStringList &properties, const QString &monitorPattern)
 {
     const QRegularExpression path(
@@ -102,7 +94,7 @@ QCoro::Task<SetResult> XfceDesktop::setPicture(Picture picture, Screen screen)
     }
     m_deadline.setRemainingTime(answerTime);
     // The settings service takes everything, also while nobody paints: the painter is asked first.
-    SetResult painter = co_await send(painterCall());
+    SetResult painter = co_await send(painterCall(u"org.xfce.xfdesktop"_s));
     if (!painter) {
         co_return painter;
     }

@@ -36,11 +36,19 @@ private Q_SLOTS:
             << QStringList() << true << DesktopKind::X11Root;
         QTest::newRow("nobody on the bus, and the root window is not seen")
             << QStringList() << false << DesktopKind::Unsupported;
-        for (const QString &name : {u"org.Cinnamon"_s, u"org.mate.Caja"_s,
-                 u"org.mate.SettingsDaemon"_s, u"org.gnome.Shell"_s}) {
-            QTest::addRow("the root window lies beneath %s", qPrintable(name))
-                << QStringList{name} << true << DesktopKind::Unsupported;
-        }
+        QTest::newRow("the root window lies beneath Cinnamon")
+            << QStringList{u"org.Cinnamon"_s} << true << DesktopKind::Cinnamon;
+        QTest::newRow("Cinnamon owns names of GNOME")
+            << QStringList{u"org.gnome.Shell"_s, u"org.gnome.SettingsDaemon"_s, u"org.Cinnamon"_s}
+            << false << DesktopKind::Cinnamon;
+        QTest::newRow("MATE's file manager")
+            << QStringList{u"org.mate.Caja"_s} << true << DesktopKind::Mate;
+        QTest::newRow("MATE without its file manager")
+            << QStringList{u"org.mate.SettingsDaemon"_s} << true << DesktopKind::Mate;
+        QTest::newRow("GNOME or Budgie")
+            << QStringList{u"org.gnome.Shell"_s} << true << DesktopKind::Gnome;
+        QTest::newRow("a file manager of LXQt that only shows folders")
+            << QStringList{u"org.pcmanfm.PCManFM"_s} << true << DesktopKind::X11Root;
     }
     void thePainterDecides()
     {
@@ -50,6 +58,22 @@ private Q_SLOTS:
         painting.busNames = busNames;
         painting.isRootVisible = isRootVisible;
         QTEST(chooseDesktop(painting), "kind");
+    }
+
+    void lxqtsFileManagerMayPaint()
+    {
+        const Painting painting{
+            .busNames = {u"org.gnome.Shell"_s, u"org.pcmanfm.PCManFM"_s},
+            .isFileManagerPainting = true,
+            .isRootVisible = true,
+        };
+        QCOMPARE(chooseDesktop(painting), DesktopKind::Lxqt);
+    }
+
+    void anotherDesktopMayUseLxqtsFileManager()
+    {
+        const Painting painting{.busNames = {u"org.gnome.Shell"_s, u"org.pcmanfm.PCManFM"_s}};
+        QCOMPARE(chooseDesktop(painting), DesktopKind::Gnome);
     }
 
     void moreThanTheBusIsLookedAt_data()

@@ -19,12 +19,17 @@ inline QColor seenAt(int x, int y)
     return screenshot().pixelColor(x, y);
 }
 
-/// A picture of one colour at @p file, whose name tells the format; the file.
-inline QString oneColourPicture(const QString &file, QColor colour, QSize size = {1600, 900})
+inline QImage oneColour(QSize size, QColor colour)
 {
     QImage image(size, QImage::Format_RGB32);
     image.fill(colour);
-    if (!image.save(file)) {
+    return image;
+}
+
+/// A picture of one colour at @p file, whose name tells the format; the file.
+inline QString oneColourPicture(const QString &file, QColor colour, QSize size = {1600, 900})
+{
+    if (!oneColour(size, colour).save(file)) {
         qFatal("The test's own picture cannot be written.");
     }
     return file;

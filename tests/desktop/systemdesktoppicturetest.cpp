@@ -122,6 +122,19 @@ private Q_SLOTS:
         QVERIFY2(turns > 10, qPrintable(QString::number(turns)));
     }
 
+    void thePictureAskedForLastIsSeenInTheEnd()
+    {
+        FakeXfce fake(FakeXfce::Obliging);
+        SystemDesktopPicture desktopPicture;
+        const Screen screen{u"HDMI-1"_s, {}};
+        auto slow = desktopPicture.setPicture(largePicture(), screen);
+        auto quick = desktopPicture.setPicture(picture(), screen);
+        QCOMPARE(errorOf(QCoro::waitFor(std::move(quick))), u"no error"_s);
+        QCOMPARE(errorOf(QCoro::waitFor(std::move(slow))), u"no error"_s);
+        QCOMPARE(fake.properties.value(u"/backdrop/screen0/monitorHDMI-1/workspace0/last-image"_s),
+            picture());
+    }
+
     void overlappingChangesAllComeToAnEnd()
     {
         FakeXfce fake(FakeXfce::Obliging);

@@ -1,0 +1,122 @@
+#include "desktop/drawnarrangement.h"
+
+#include "desktop/pngcopy.h"
+#include "desktop/shownimage.h"
+
+#include <QHash>
+
+#include <algorithm>
+#include <optional>
+
+namespace desktop {
+
+namespace {
+
+/// Reads each file once.
+class Images
+{
+public:
+    explicit Images(const Picture &decoded) : m_images{{decoded.file, decoded.image}} { }
+
+    QImage image(const QString &file)
+    {
+        auto found = m_images.find(file);
+        if (found == m_images.end()) {
+            found = m_images.insert(file, readShownImage(file));
+        }
+        return *found;
+    }
+
+private:
+    QHash<QString, QImage> m_images;
+};
+
+bool coverAlike(const Shown &one, const Shown &other)
+{
+    return one.placement == Placement::Cover && other.placement == Placement::Cover
+        && one.file == other.file && one.area == Shown().area && other.area == Shown().area;
+}
+
+/// The picture that covers each of the screens; empty when they differ.
+QString fileForAll(const Arrangement &wanted)
+{
+    const auto &screens = wanted.screens;
+    const auto first = std::find_if(
+        screens.begin(), screens.end(), [](const auto &each) { return each.isAttached(); });
+    const bool alike = std::all_of(first, screens.end(), [&](const ShowingScreen &each) {
+        return !each.isAttached() || coverAlike(each.shown, first->shown);
+    });
+    return alike && first != screens.end() ? first->shown.file : QString();
+}
+
+/// The file that all of the screens are covered by, where there is such a one and it can be read.
+std::optional<QString> fileAsItIs(const Arrangement &wanted, const Picture &decoded)
+{
+    const QString file = wanted.isSpanning ? QString() : fileForAll(wanted);
+    const tl::expected<Picture, QString> picture
+        = !file.isEmpty() && file == decoded.file ? decoded : readPicture(file);
+    const tl::expected<QString, QString> readable = picture.and_then(fileEveryDesktopReads);
+    return readable ? std::optional(*readable) : std::nullopt;
+}
+
+bool isLost(const Shown &shown, Images &images)
+{
+    return !shown.file.isEmpty() && images.image(shown.file).isNull();
+}
+
+void replaceIfLost(ShowingScreen &each, const Arrangement &present, Images &images)
+{
+    const ShowingScreen *before = present.isSpanning ? present.find(each.screen.name) : nullptr;
+    if (before != nullptr && before->isAttached() && isLost(each.shown, images)) {
+        each.shown.file = present.file;
+        each.shown.area = areaOfAll(present.attachedScreens(), before->screen);
+        each.shown.placement = Placement::Stretch;
+    }
+}
+
+Part partOf(const ShowingScreen &each, Images &images)
+{
+    const QRectF unit = each.screen.geometry;
+    const QRectF &area = each.shown.area;
+    const QRectF place(unit.x() + area.x() * unit.width(), unit.y() + area.y() * unit.height(),
+        area.width() * unit.width(), area.height() * unit.height());
+    return {each.screen.geometry, place.toRect(), images.image(each.shown.file),
+        each.shown.placement, each.shown.background};
+}
+
+QImage composedImage(const Arrangement &wanted, Images &images)
+{
+    QList<Part> parts;
+    for (const ShowingScreen &each : wanted.screens) {
+        if (each.isAttached()) {
+            // What lies in the same place as the main screen mirrors it.
+            const bool isMain = each.screen.name == wanted.mainScreen;
+            parts.insert(isMain ? parts.size() : 0, partOf(each, images));
+        }
+    }
+    return compose(parts);
+}
+
+} // namespace
+
+tl::expected<Arrangement, QString> drawn(const Arrangement &wanted, const Arrangement &present,
+    const Picture &decoded, const ComposedPictures &pictures)
+{
+    Arrangement done = wanted;
+    const std::optional<QString> asItIs = fileAsItIs(wanted, decoded);
+    done.isSpanning = !asItIs;
+    if (asItIs) {
+        done.file = *asItIs;
+        return done;
+    }
+    Images images(decoded);
+    for (ShowingScreen &each : done.screens) {
+        replaceIfLost(each, present, images);
+    }
+    return pictures.save(composedImage(done, images)).map([&](const QString &file) {
+        done.file = file;
+        return done;
+    });
+}
+
+} // namespace desktop

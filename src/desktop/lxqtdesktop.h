@@ -1,0 +1,21 @@
+#pragma once
+
+#include "desktop/onepicturedesktop.h"
+
+namespace desktop {
+
+/// LXQt: its file manager paints one window over all screens.
+class LxqtDesktop : public OnePictureDesktop
+{
+public:
+    explicit LxqtDesktop(QDBusConnection bus);
+
+    /// Whether the file manager on the bus paints the desktop at all; it must be running.
+    static QCoro::Task<bool> paints(QDBusConnection bus, QDeadlineTimer deadline);
+
+protected:
+    QCoro::Task<tl::expected<Setting, QString>> setting() override;
+    QCoro::Task<SetResult> show(QString file, bool isSpanning) override;
+};
+
+} // namespace desktop

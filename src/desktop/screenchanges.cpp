@@ -1,0 +1,29 @@
+#include "desktop/screenchanges.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+namespace desktop {
+
+using namespace std::chrono_literals;
+
+ScreenChanges::ScreenChanges(QObject *parent) : QObject(parent)
+{
+    // Plugging in one screen makes several changes, some of them a while later.
+    m_calm.setInterval(1s);
+    m_calm.setSingleShot(true);
+    connect(&m_calm, &QTimer::timeout, this, &ScreenChanges::settled);
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, &ScreenChanges::watch);
+    connect(qGuiApp, &QGuiApplication::screenRemoved, &m_calm, qOverload<>(&QTimer::start));
+    for (const QScreen *screen : QGuiApplication::screens()) {
+        watch(screen);
+    }
+}
+
+void ScreenChanges::watch(const QScreen *screen)
+{
+    connect(screen, &QScreen::geometryChanged, &m_calm, qOverload<>(&QTimer::start));
+    m_calm.start();
+}
+
+} // namespace desktop

@@ -1,0 +1,255 @@
+#include "desktop/lxqtdesktop.h"
+
+#include "fakelxqt.h"
+#include "onscreen.h"
+#include "twoscreens.h"
+
+#include <QCoroTask>
+#include <QElapsedTimer>
+#include <QStandardPaths>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using desktop::LxqtDesktop;
+using desktop::readPicture;
+using desktop::Screen;
+using desktop::SetResult;
+
+namespace {
+
+QString errorOf(const SetResult &result)
+{
+    return result ? u"no error"_s : result.error();
+}
+
+SetResult set(const QString &file, const QString &screen = u"left"_s)
+{
+    LxqtDesktop lxqt(QDBusConnection::sessionBus());
+    return QCoro::waitFor(lxqt.setPicture(readPicture(file).value(), Screen{screen, {}}));
+}
+
+SetResult followScreens()
+{
+    LxqtDesktop lxqt(QDBusConnection::sessionBus());
+    return QCoro::waitFor(lxqt.followScreens());
+}
+
+bool paints()
+{
+    return QCoro::waitFor(LxqtDesktop::paints(QDBusConnection::sessionBus(), QDeadlineTimer(3000)));
+}
+
+QDir composedFolder()
+{
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation)
+        + u"/composed/lxqt"_s);
+}
+
+QStringList composedFiles()
+{
+    return composedFolder().entryList({u"*.png"_s}, QDir::Files);
+}
+
+QImage shown()
+{
+    return QImage(FakeLxqt::setting(u"Wallpaper"_s).toString());
+}
+
+} // namespace
+
+class LxqtDesktopTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_folder;
+
+    QString picture(const QString &name, QColor colour)
+    {
+        return oneColourPicture(m_folder.filePath(name), colour, {160, 90});
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        for (const char *name : {"Wallpaper", "BgColor", "PerScreenWallpaper"}) {
+            FakeLxqt::writeSetting(QString::fromLatin1(name), {});
+        }
+        FakeLxqt::writeSetting(u"WallpaperMode"_s, u"stretch"_s);
+        composedFolder().removeRecursively();
+    }
+
+    void theMainScreenChangesAndTheOtherKeepsItsPicture()
+    {
+        FakeLxqt fake(FakeLxqt::Obliging);
+        FakeLxqt::writeSetting(u"BgColor"_s, u"#0000ff"_s);
+        QCOMPARE(errorOf(set(picture(u"red #1 ü.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(shown().size(), QSize(180, 60));
+        QCOMPARE(shown().pixelColor(79, 30), QColor(Qt::red));
+        QCOMPARE(shown().pixelColor(80, 30), QColor(Qt::blue));
+
+        QCOMPARE(errorOf(set(picture(u"yellow.png"_s, Qt::yellow), u"right"_s)), u"no error"_s);
+        QCOMPARE(errorOf(set(picture(u"green.webp"_s, Qt::green))), u"no error"_s);
+        QVERIFY(shown().pixelColor(79, 30).green() > 240);
+        QVERIFY(shown().pixelColor(79, 30).red() < 15);
+        QCOMPARE(shown().pixelColor(80, 30), QColor(Qt::yellow));
+    }
+
+    void aPictureOverAllScreensIsCut()
+    {
+        FakeLxqt fake(FakeLxqt::Obliging);
+        QImage halves(180, 60, QImage::Format_RGB32);
+        halves.fill(Qt::red);
+        for (int y = 0; y < 60; ++y) {
+            for (int x = 80; x < 180; ++x) {
+                halves.setPixelColor(x, y, x < 130 ? Qt::green : Qt::blue);
+            }
+        }
+        const QString file = m_folder.filePath(u"halves.png"_s);
+        QVERIFY(halves.save(file));
+        FakeLxqt::writeSetting(u"Wallpaper"_s, file);
+        QCOMPARE(errorOf(set(picture(u"yellow.png"_s, Qt::yellow))), u"no error"_s);
+        QCOMPARE(shown().copy(80, 0, 100, 60), halves.copy(80, 0, 100, 60));
+        QCOMPARE(shown().pixelColor(79, 30), QColor(Qt::yellow));
+    }
+
+    void theModeMakesOnePictureSpanAllScreens_data()
+    {
+        QTest::addColumn<QVariant>("perScreen");
+        QTest::addColumn<QString>("mode");
+        QTest::newRow("one window over all screens") << QVariant(false) << u"stretch"_s;
+        QTest::newRow("each screen by itself") << QVariant(true) << u"tile"_s;
+    }
+    void theModeMakesOnePictureSpanAllScreens()
+    {
+        QFETCH(QVariant, perScreen);
+        FakeLxqt fake(FakeLxqt::Obliging);
+        FakeLxqt::writeSetting(u"PerScreenWallpaper"_s, perScreen);
+        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QTEST(fake.told.value(0).section(u':', 0, 0), "mode");
+    }
+
+    void whatAllScreensShowAlikeIsSetAsItIs()
+    {
+        FakeLxqt fake(FakeLxqt::Obliging);
+        FakeLxqt::writeSetting(u"PerScreenWallpaper"_s, true);
+        FakeLxqt::writeSetting(u"WallpaperMode"_s, u"zoom"_s);
+        const QString red = picture(u"red.png"_s, Qt::red);
+        QCOMPARE(errorOf(set(red)), u"no error"_s);
+        QCOMPARE(errorOf(set(red, u"right"_s)), u"no error"_s);
+        QCOMPARE(fake.told.value(1), u"zoom:"_s + red);
+    }
+
+    void atMostTwoComposedPicturesAreKept()
+    {
+        FakeLxqt fake(FakeLxqt::Obliging);
+        for (int i = 0; i < 4; ++i) {
+            QCOMPARE(errorOf(set(picture(u"%1.png"_s.arg(i), Qt::red))), u"no error"_s);
+            QVERIFY(composedFiles().contains(
+                QFileInfo(FakeLxqt::setting(u"Wallpaper"_s).toString()).fileName()));
+        }
+        QCOMPARE(composedFiles().size(), 2);
+        QSet<QString> names(fake.told.begin(), fake.told.end());
+        QCOMPARE(names.size(), 4);
+    }
+
+    void aDeletedPictureStaysWhereItIsShown()
+    {
+        FakeLxqt fake(FakeLxqt::Obliging);
+        const QString red = picture(u"red.png"_s, Qt::red);
+        QCOMPARE(errorOf(set(red, u"right"_s)), u"no error"_s);
+        QVERIFY(QFile::remove(red));
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(errorOf(set(picture(u"green%1.png"_s.arg(i), Qt::green))), u"no error"_s);
+            QCOMPARE(shown().pixelColor(79, 30), QColor(Qt::green));
+            QCOMPARE(shown().copy(80, 0, 100, 60), oneColour({100, 60}, Qt::red));
+        }
+    }
+
+    void changedScreensGetTheirPicturesAgain()
+    {
+        FakeLxqt fake(FakeLxqt::Obliging);
+        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(errorOf(set(picture(u"blue.png"_s, Qt::blue), u"right"_s)), u"no error"_s);
+        QCOMPARE(errorOf(followScreens()), u"no error"_s);
+        QCOMPARE(fake.told.size(), 2);
+
+        // As if the right screen had been smaller and elsewhere.
+        QFile memory(composedFolder().filePath(u"shown.json"_s));
+        QVERIFY(memory.open(QIODevice::ReadWrite));
+        QByteArray text = memory.readAll();
+        QVERIFY(text.contains("100,"));
+        text.replace("100,", "50,");
+        memory.seek(0);
+        memory.resize(0);
+        memory.write(text);
+        memory.close();
+        QCOMPARE(errorOf(followScreens()), u"no error"_s);
+        QCOMPARE(fake.told.size(), 3);
+        QCOMPARE(shown().copy(0, 0, 80, 60), oneColour({80, 60}, Qt::red));
+        QCOMPARE(shown().copy(80, 0, 100, 60), oneColour({100, 60}, Qt::blue));
+        QCOMPARE(errorOf(followScreens()), u"no error"_s);
+        QCOMPARE(fake.told.size(), 3);
+    }
+
+    void aPictureOfOthersIsNotFollowed()
+    {
+        FakeLxqt fake(FakeLxqt::Obliging);
+        QCOMPARE(errorOf(followScreens()), u"no error"_s);
+        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        FakeLxqt::writeSetting(u"Wallpaper"_s, u"/usr/share/other.png"_s);
+        QCOMPARE(errorOf(followScreens()), u"no error"_s);
+        QCOMPARE(fake.told.size(), 1);
+    }
+
+    void aFileManagerThatIsNoDesktopDoesNotPaint()
+    {
+        QVERIFY(!paints());
+        FakeLxqt fake(FakeLxqt::Obliging);
+        QVERIFY(paints());
+        fake.isDesktop = false;
+        QVERIFY(!paints());
+    }
+
+    void anIgnoredPictureIsAnError()
+    {
+        FakeLxqt fake(FakeLxqt::Forgetful);
+        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))),
+            u"The desktop did not keep the picture"_s);
+    }
+
+    void aScreenThatIsGoneIsAnError()
+    {
+        FakeLxqt fake(FakeLxqt::Obliging);
+        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red), u"middle"_s)),
+            u"The screen is no longer there"_s);
+        QCOMPARE(fake.told, QStringList());
+    }
+
+    void aMissingDesktopIsAnError()
+    {
+        const QString error = errorOf(set(picture(u"red.png"_s, Qt::red)));
+        QVERIFY2(error.startsWith(u"The desktop is not running"_s), qPrintable(error));
+    }
+
+    void aDesktopThatHangsEndsAfterThreeSeconds()
+    {
+        FakeLxqt fake(FakeLxqt::Silent);
+        QElapsedTimer clock;
+        clock.start();
+        const QString error = errorOf(set(picture(u"red.png"_s, Qt::red)));
+        QVERIFY2(
+            error.startsWith(u"The desktop did not answer within 3 seconds"_s), qPrintable(error));
+        QVERIFY(clock.elapsed() > 2800);
+    }
+};
+
+int main(int argc, char **argv)
+{
+    const TwoScreens screens;
+    QGuiApplication application(argc, argv);
+    LxqtDesktopTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "lxqtdesktoptest.moc"
