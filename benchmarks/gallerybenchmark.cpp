@@ -331,7 +331,7 @@ void measureGrowth(Stage &stage)
     std::printf(
         "10000 pictures: listed in %.1f ms, listed and opened in %.0f ms\n", manyListed, many);
     measure::expectAtMost(
-        "10000 pictures: growth beyond listing, ms", (many - few) - (manyListed - fewListed), 25);
+        "10000 pictures: growth, listings", (many - few) / (manyListed - fewListed), 1.5);
 }
 
 } // namespace

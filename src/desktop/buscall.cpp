@@ -40,7 +40,9 @@ BusError readableError(const QDBusMessage &answer)
 {
     const QDBusError error(answer);
     const QString sentence = plainSentence(answer, error);
-    const QString detail = error.message().section(u'\n', 0, 0);
+    // What the bus says of silence is three lines of what might be the reason.
+    const QString detail
+        = error.type() == QDBusError::NoReply ? QString() : error.message().section(u'\n', 0, 0);
     return {error.name(), detail.isEmpty() ? sentence : sentence + u": "_s + detail};
 }
 

@@ -104,11 +104,25 @@ void Picture::restart()
 
 void Picture::updatePolish()
 {
-    if (m_decodeIsDue && !m_source.isEmpty() && !m_box.isEmpty()) {
-        m_decodeIsDue = false;
-        m_stamp = stampOf(m_source);
-        decode();
+    if (!m_decodeIsDue || m_source.isEmpty() || m_box.isEmpty()) {
+        return;
     }
+    if (!m_placeIsSeen) {
+        // Decoding takes every core, and the first frame of a new window would have to wait.
+        connect(window(), &QQuickWindow::frameSwapped, this, &Picture::onPlaceSeen,
+            Qt::ConnectionType(Qt::AutoConnection | Qt::UniqueConnection));
+        return;
+    }
+    m_decodeIsDue = false;
+    m_stamp = stampOf(m_source);
+    decode();
+}
+
+void Picture::onPlaceSeen()
+{
+    disconnect(window(), &QQuickWindow::frameSwapped, this, &Picture::onPlaceSeen);
+    m_placeIsSeen = true;
+    polish();
 }
 
 QCoro::Task<> Picture::decode()

@@ -71,6 +71,7 @@ private:
 
     static Stamp stampOf(const QUrl &url);
     void restart();
+    void onPlaceSeen();
     QCoro::Task<> decode();
     void setStatus(Status status);
     QRectF visiblePart() const;
@@ -83,6 +84,7 @@ private:
     QImage m_image;
     bool m_imageIsNew = false;
     bool m_decodeIsDue = false;
+    bool m_placeIsSeen = false; ///< Once a frame with the item in it was on screen.
     Stamp m_stamp;
     std::shared_ptr<std::atomic_bool> m_stopped;
 };
