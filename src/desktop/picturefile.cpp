@@ -1,5 +1,7 @@
 #include "desktop/picturefile.h"
 
+#include "desktop/pictureformat.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
@@ -15,22 +17,6 @@ namespace {
 // more than this as well unless told otherwise, but without a word on why; and the limit keeps a
 // small hostile file from taking all memory.
 constexpr qint64 largestImage = 128LL * 1024 * 1024;
-constexpr qint64 bytesThatTellTheFormat = 12;
-
-// Qt would try every decoder it has, whatever the name says; only these three have business here.
-QByteArray pictureFormat(const QByteArray &start)
-{
-    if (start.startsWith("\x89PNG\r\n\x1a\n")) {
-        return "png"_ba;
-    }
-    if (start.startsWith("\xff\xd8\xff")) {
-        return "jpeg"_ba;
-    }
-    if (start.startsWith("RIFF") && start.mid(8) == "WEBP") {
-        return "webp"_ba;
-    }
-    return {};
-}
 
 qint64 decodedSize(const QImageReader &reader)
 {
@@ -45,6 +31,9 @@ qint64 decodedSize(const QImageReader &reader)
 
 tl::expected<QImage, QString> decoded(QFile &file, const QByteArray &format)
 {
+    if (format == "png" && !chunksFit(file)) {
+        return tl::make_unexpected(u"The image is damaged"_s);
+    }
     QImageReader reader(&file, format);
     reader.setAutoDetectImageFormat(false);
     reader.setAutoTransform(true);
@@ -77,11 +66,10 @@ tl::expected<Picture, QString> readPicture(const QString &file)
     if (!opened.open(QIODevice::ReadOnly)) {
         return tl::make_unexpected(u"The file cannot be read: "_s + opened.errorString());
     }
-    const QByteArray start = opened.peek(bytesThatTellTheFormat);
-    if (start.isEmpty()) {
+    if (info.size() == 0) {
         return tl::make_unexpected(u"The file is empty"_s);
     }
-    const QByteArray format = pictureFormat(start);
+    const QByteArray format = pictureFormat(opened);
     if (format.isEmpty()) {
         return tl::make_unexpected(u"Unsupported image format"_s);
     }

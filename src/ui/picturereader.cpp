@@ -1,9 +1,10 @@
 #include "ui/picturereader.h"
 
+#include "desktop/pictureformat.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
-#include <QtEndian>
 
 #include <algorithm>
 
@@ -36,41 +37,6 @@ protected:
 private:
     const std::atomic_bool &m_stopped;
 };
-
-QByteArray formatByContent(QIODevice &device)
-{
-    const QByteArray head = device.peek(12);
-    if (head.startsWith("\x89PNG\r\n\x1a\n"_ba)) {
-        return "png"_ba;
-    }
-    if (head.startsWith("\xff\xd8\xff"_ba)) {
-        return "jpeg"_ba;
-    }
-    return head.startsWith("RIFF"_ba) && head.sliced(4).endsWith("WEBP"_ba) ? "webp"_ba
-                                                                            : QByteArray();
-}
-
-/// libpng clears as much memory as a chunk says that it is long, up to two gigabytes, before it
-/// finds that the bytes are not there.
-bool chunksFit(QIODevice &png)
-{
-    constexpr qint64 signature = 8;
-    constexpr qint64 head = 8;
-    constexpr qint64 checksum = 4;
-    const qint64 size = png.size();
-    qint64 offset = signature;
-    while (offset + head <= size) {
-        const QByteArray chunk = png.seek(offset) ? png.read(head) : QByteArray();
-        if (chunk.size() < head) {
-            return false;
-        }
-        if (chunk.endsWith("IEND")) {
-            break;
-        }
-        offset += head + qFromBigEndian<quint32>(chunk.constData()) + checksum;
-    }
-    return offset <= size && png.seek(0);
-}
 
 /// What of a picture scaled to @p scaled is worth keeping: a panorama that covers a box can be a
 /// hundred times as wide as the box.
@@ -118,8 +84,8 @@ QImage readPicture(const QString &file, QSize box, Framing framing, const std::a
     if (!device.open(QIODevice::ReadOnly)) {
         return {};
     }
-    const QByteArray format = formatByContent(device);
-    if (format == "png" && !chunksFit(device)) {
+    const QByteArray format = desktop::pictureFormat(device);
+    if (format == "png" && !desktop::chunksFit(device)) {
         return {};
     }
     QImageReader reader(&device, format);

@@ -7,6 +7,7 @@
 #include <QtEndian>
 #include <QTest>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -73,6 +74,23 @@ private:
     }
 
 private Q_SLOTS:
+    // The first one, before larger pictures have taken memory.
+    void aChunkThatSaysToBeLongTakesNoMemory()
+    {
+        constexpr qsizetype behindTheHeader = 33;
+        constexpr long kilobytes = 100L * 1024;
+        const auto mostMemory = [] {
+            rusage usage{};
+            getrusage(RUSAGE_SELF, &usage);
+            return usage.ru_maxrss;
+        };
+        const QByteArray chunk = QByteArray::fromHex("40000000") + "tEXtx";
+        const QString file = write(u"a.png"_s, encoded("png").insert(behindTheHeader, chunk));
+        const long before = mostMemory();
+        QCOMPARE(readPicture(file).error(), u"The image is damaged"_s);
+        QVERIFY(mostMemory() - before < kilobytes);
+    }
+
     void picturesAreDecoded_data()
     {
         QTest::addColumn<QString>("name");
