@@ -19,7 +19,7 @@ constexpr std::chrono::seconds answerTime{3};
 struct BusError
 {
     QString name; ///< The bus's own name for it, such as "org.freedesktop.DBus.Error.NoReply".
-    QString sentence; ///< For people, with the bus's own text at its end.
+    QString sentence; ///< For people, with the bus's own text at its end if that says more.
 };
 
 using BusResult = tl::expected<QVariantList, BusError>;

@@ -127,8 +127,7 @@ private Q_SLOTS:
         clock.start();
         const QString error = errorOf();
         const qint64 elapsed = clock.elapsed();
-        QVERIFY2(error.startsWith(u"The desktop did not answer within 3 seconds: "_s),
-            qPrintable(error));
+        QVERIFY2(error == u"The desktop did not answer within 3 seconds"_s, qPrintable(error));
         // QtDBus's clock is a coarse one.
         QVERIFY2(elapsed > 2800 && elapsed < 5000, qPrintable(QString::number(elapsed)));
     }
@@ -137,7 +136,7 @@ private Q_SLOTS:
     {
         FakePlasma plasma(FakePlasma::Dying);
         const QString error = errorOf();
-        QVERIFY2(error.startsWith(u"The desktop ended without answering: "_s), qPrintable(error));
+        QVERIFY2(error == u"The desktop ended without answering"_s, qPrintable(error));
     }
 
     void aMissingPainterIsAnError()

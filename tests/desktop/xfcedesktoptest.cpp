@@ -170,8 +170,7 @@ private Q_SLOTS:
         const QString error = errorOf(set());
 
         const qint64 elapsed = clock.elapsed();
-        QVERIFY2(error.startsWith(u"The desktop did not answer within 3 seconds: "_s),
-            qPrintable(error));
+        QVERIFY2(error == u"The desktop did not answer within 3 seconds"_s, qPrintable(error));
         // QtDBus's clock is a coarse one.
         QVERIFY2(elapsed > 2800 && elapsed < 5000, qPrintable(QString::number(elapsed)));
         QVERIFY2(turns > 100, qPrintable(QString::number(turns)));
@@ -181,7 +180,7 @@ private Q_SLOTS:
     {
         FakeXfce fake(FakeXfce::Dying);
         const QString error = errorOf(set());
-        QVERIFY2(error.startsWith(u"The desktop ended without answering: "_s), qPrintable(error));
+        QVERIFY2(error == u"The desktop ended without answering"_s, qPrintable(error));
     }
 
     void aMissingPainterIsAnErrorAndNothingIsStarted()
