@@ -143,7 +143,7 @@ Arrangement arrangementFromJson(const QJsonObject &object)
     Arrangement arrangement{object[u"file"_s].toString(), object[u"isSpanning"_s].toBool(),
         object[u"mainScreen"_s].toString(), {}};
     const QJsonArray screens = object[u"screens"_s].toArray();
-    for (const QJsonValue &screen : screens) {
+    for (const auto &screen : screens) {
         arrangement.screens.append(showingScreenFromJson(screen.toObject()));
     }
     return arrangement;

@@ -9,6 +9,8 @@
 
 #include <tl/expected.hpp>
 
+// The library's own header cannot be seen by Qt's.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): it is the library's name.
 typedef struct _GSettings GSettings;
 
 namespace desktop {

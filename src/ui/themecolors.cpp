@@ -86,7 +86,9 @@ void addTexts(ThemeColors &colors)
     colors.secondary = text(mixed(colors.window, colors.text, 0.7));
     colors.tertiary = text(mixed(colors.window, colors.text, 0.55));
     colors.orange = text(colors.dark ? QColor(0xff, 0xb0, 0x4d) : QColor(0xc0, 0x56, 0x00));
-    colors.red = text(colors.dark ? QColor(0xff, 0x7f, 0x76) : QColor(0xcc, 0x2c, 0x20));
+    // Stands on buttons, too, in all their states.
+    colors.red = legible(colors.dark ? QColor(0xff, 0x7f, 0x76) : QColor(0xcc, 0x2c, 0x20), pole,
+        surfaces + QList<QColor>{colors.buttonHovered, colors.buttonPressed}, readableText);
     colors.green = text(colors.dark ? QColor(0x5f, 0xd3, 0x7a) : QColor(0x1f, 0x80, 0x36));
 }
 

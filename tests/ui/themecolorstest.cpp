@@ -34,7 +34,7 @@ QColor over(const QColor &color, const QColor &ground)
         channel(color.greenF(), ground.greenF()), channel(color.blueF(), ground.blueF()));
 }
 
-/// Every text of the windows with what it stands on.
+/// Every text of the windows, and the symbol of deleting, with what it stands on.
 QList<Pair> texts(const ThemeColors &colors)
 {
     const QList<Pair> grounds{{u"window"_s, {}, colors.window}, {u"bar"_s, {}, colors.bar},
@@ -53,6 +53,9 @@ QList<Pair> texts(const ThemeColors &colors)
     pairs << Pair{u"button"_s, colors.buttonText, colors.button};
     pairs << Pair{u"button, hovered"_s, colors.buttonText, colors.buttonHovered};
     pairs << Pair{u"button, pressed"_s, colors.buttonText, colors.buttonPressed};
+    pairs << Pair{u"trash"_s, colors.red, colors.button};
+    pairs << Pair{u"trash, hovered"_s, colors.red, colors.buttonHovered};
+    pairs << Pair{u"trash, pressed"_s, colors.red, colors.buttonPressed};
     pairs << Pair{u"disabled button"_s, colors.tertiary, colors.button};
     pairs << Pair{u"main button"_s, colors.prominentText, colors.prominent};
     pairs << Pair{u"main button, hovered"_s, colors.prominentText, colors.prominentHovered};
@@ -61,12 +64,10 @@ QList<Pair> texts(const ThemeColors &colors)
     return pairs;
 }
 
-/// Symbols and rings, and the texts of controls that are disabled.
+/// Rings and tracks, and the texts of controls that are disabled.
 QList<Pair> shapes(const ThemeColors &colors)
 {
-    QList<Pair> pairs{{u"trash"_s, colors.red, colors.button},
-        {u"trash, hovered"_s, colors.red, colors.buttonHovered},
-        {u"trash, pressed"_s, colors.red, colors.buttonPressed},
+    QList<Pair> pairs{
         {u"disabled main button"_s, colors.tertiary, over(colors.quaternary, colors.bar)}};
     for (const QColor &ground : {colors.window, colors.bar, colors.group}) {
         pairs << Pair{u"focus ring"_s, colors.focusRing, ground};
