@@ -8,8 +8,20 @@ from driver import Atspi, GLib, wait_until
 
 # The pointer.
 
+def place_of(node):
+    """Where it is, once it stays there: a new window is still moved by the window manager."""
+    seen = []
+
+    def stays():
+        place = Atspi.Component.get_extents(node, Atspi.CoordType.SCREEN)
+        seen.append((place.x, place.y, place.width, place.height))
+        return len(seen) > 3 and len(set(seen[-4:])) == 1
+    wait_until(stays, "it to stay in its place")
+    return Atspi.Component.get_extents(node, Atspi.CoordType.SCREEN)
+
+
 def move_to(node):
-    place = Atspi.Component.get_extents(node, Atspi.CoordType.SCREEN)
+    place = place_of(node)
     # A pointer that is there already would not be a move.
     move(place.x - 1, place.y - 1)
     move(place.x + place.width // 2, place.y + place.height // 2)
