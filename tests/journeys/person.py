@@ -8,8 +8,16 @@ from driver import Atspi, GLib, wait_until
 
 # The pointer.
 
+def is_framed(node):
+    """Whether its window knows of its title bar, without which all its places are too high."""
+    while node and node.get_role() != Atspi.Role.FRAME:
+        node = node.get_parent()
+    return not node or Atspi.Component.get_extents(node, Atspi.CoordType.SCREEN).y > 0
+
+
 def place_of(node):
     """Where it is, once it stays there: a new window is still moved by the window manager."""
+    wait_until(lambda: is_framed(node), "a title bar")
     seen = []
 
     def stays():
