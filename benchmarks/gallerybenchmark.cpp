@@ -246,7 +246,7 @@ void scrollDownAndUp(QQuickWindow *window)
 double emptyWindowMegabytes(Stage &stage)
 {
     openingMilliseconds(stage);
-    QTest::qWait(200);
+    waitForFrame(stage.mainWindow());
     const double memory = measure::residentMegabytes();
     closeMain(stage);
     return memory;

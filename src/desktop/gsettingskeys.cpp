@@ -49,10 +49,22 @@ bool reachesTheService(GSettings *settings)
 
 } // namespace
 
-void GSettingsKeys::Unref::operator()(GSettings *settings) const
+class GSettingsKeys::Library
 {
-    g_object_unref(settings);
-}
+public:
+    explicit Library(GSettingsSchema *schema)
+        : m_settings(g_settings_new_full(schema, nullptr, nullptr))
+    {
+    }
+    Library(const Library &) = delete;
+    Library &operator=(const Library &) = delete;
+    ~Library() { g_object_unref(m_settings); }
+
+    GSettings *get() const { return m_settings; }
+
+private:
+    GSettings *const m_settings;
+};
 
 tl::expected<GSettingsKeys, QString> GSettingsKeys::open(const QByteArray &schema)
 {
@@ -61,8 +73,8 @@ tl::expected<GSettingsKeys, QString> GSettingsKeys::open(const QByteArray &schem
     if (!found) {
         return tl::make_unexpected(u"The desktop's settings are not installed"_s);
     }
-    GSettingsKeys keys(g_settings_new_full(found.get(), nullptr, nullptr));
-    if (!reachesTheService(keys.m_settings.get())) {
+    GSettingsKeys keys(std::make_shared<const Library>(found.get()));
+    if (!reachesTheService(keys.m_library->get())) {
         return tl::make_unexpected(
             u"The desktop's settings cannot be reached: GLib's dconf module is missing"_s);
     }
@@ -72,7 +84,7 @@ tl::expected<GSettingsKeys, QString> GSettingsKeys::open(const QByteArray &schem
 bool GSettingsKeys::has(const QByteArray &key) const
 {
     GSettingsSchema *found = nullptr;
-    g_object_get(m_settings.get(), "settings-schema", &found, nullptr);
+    g_object_get(m_library->get(), "settings-schema", &found, nullptr);
     const Schema schema(found);
     if (g_settings_schema_has_key(schema.get(), key.constData()) == FALSE) {
         return false;
@@ -89,7 +101,7 @@ QString GSettingsKeys::value(const QByteArray &key) const
         return {};
     }
     const std::unique_ptr<char, Free> text(
-        g_settings_get_string(m_settings.get(), key.constData()));
+        g_settings_get_string(m_library->get(), key.constData()));
     return QString::fromUtf8(text.get());
 }
 
@@ -97,16 +109,16 @@ tl::expected<void, QString> GSettingsKeys::change(
     const QList<std::pair<QByteArray, QString>> &values) const
 {
     // A change in two steps would be painted twice.
-    g_settings_delay(m_settings.get());
+    g_settings_delay(m_library->get());
     for (const auto &[key, text] : values) {
         if (has(key)
-            && g_settings_set_string(m_settings.get(), key.constData(), text.toUtf8().constData())
+            && g_settings_set_string(m_library->get(), key.constData(), text.toUtf8().constData())
                 == FALSE) {
-            g_settings_revert(m_settings.get());
+            g_settings_revert(m_library->get());
             return tl::make_unexpected(u"The desktop's settings are locked"_s);
         }
     }
-    g_settings_apply(m_settings.get());
+    g_settings_apply(m_library->get());
     g_settings_sync();
     const bool kept = std::all_of(values.begin(), values.end(),
         [this](const auto &each) { return !has(each.first) || value(each.first) == each.second; });

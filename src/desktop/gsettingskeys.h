@@ -9,10 +9,6 @@
 
 #include <tl/expected.hpp>
 
-// The library's own header cannot be seen by Qt's.
-// NOLINTNEXTLINE(bugprone-reserved-identifier): it is the library's name.
-typedef struct _GSettings GSettings;
-
 namespace desktop {
 
 /// Settings of the desktops that keep them in GSettings: the keys of one schema that hold texts.
@@ -34,14 +30,14 @@ public:
     tl::expected<void, QString> change(const QList<std::pair<QByteArray, QString>> &values) const;
 
 private:
-    struct Unref
+    /// The library's own settings, whose header and Qt's spoil each other.
+    class Library;
+
+    explicit GSettingsKeys(std::shared_ptr<const Library> library) : m_library(std::move(library))
     {
-        void operator()(GSettings *settings) const;
-    };
+    }
 
-    explicit GSettingsKeys(GSettings *settings) : m_settings(settings) { }
-
-    std::unique_ptr<GSettings, Unref> m_settings;
+    std::shared_ptr<const Library> m_library;
 };
 
 } // namespace desktop

@@ -2,7 +2,6 @@
 
 #include "desktop/buscall.h"
 #include "desktop/pngcopy.h"
-#include "desktop/workerthread.h"
 
 #include <QCoroFuture>
 #include <QDBusMessage>
@@ -69,9 +68,7 @@ QString PlasmaDesktop::script(Task task, const QString &file, QPoint topLeft)
 
 QCoro::Task<SetResult> PlasmaDesktop::setPicture(Picture picture, Screen screen)
 {
-    const QFuture<tl::expected<QString, QString>> preparing
-        = onWorkerThread([picture] { return fileEveryDesktopReads(picture); });
-    const tl::expected<QString, QString> file = co_await preparing;
+    const tl::expected<QString, QString> file = co_await prepareFile(picture);
     if (!file) {
         co_return tl::make_unexpected(file.error());
     }

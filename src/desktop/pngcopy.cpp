@@ -1,5 +1,7 @@
 #include "desktop/pngcopy.h"
 
+#include "desktop/workerthread.h"
+
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
@@ -41,6 +43,11 @@ tl::expected<QString, QString> fileEveryDesktopReads(const Picture &picture)
     }
     QFile::remove(copy);
     return tl::make_unexpected(u"The picture could not be converted to PNG for this desktop"_s);
+}
+
+QFuture<tl::expected<QString, QString>> prepareFile(const Picture &picture)
+{
+    return onWorkerThread([picture] { return fileEveryDesktopReads(picture); });
 }
 
 } // namespace desktop

@@ -2,7 +2,6 @@
 
 #include "desktop/buscall.h"
 #include "desktop/pngcopy.h"
-#include "desktop/workerthread.h"
 
 #include <QCoroFuture>
 #include <QCoroSignal>
@@ -95,9 +94,7 @@ PortalDesktop::PortalDesktop(QDBusConnection bus) : m_bus(std::move(bus)) { }
 
 QCoro::Task<SetResult> PortalDesktop::setPicture(Picture picture, Screen /*screen*/)
 {
-    const QFuture<tl::expected<QString, QString>> preparing
-        = onWorkerThread([picture] { return fileEveryDesktopReads(picture); });
-    const tl::expected<QString, QString> path = co_await preparing;
+    const tl::expected<QString, QString> path = co_await prepareFile(picture);
     if (!path) {
         co_return tl::make_unexpected(path.error());
     }

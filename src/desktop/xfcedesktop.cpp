@@ -2,7 +2,6 @@
 
 #include "desktop/buscall.h"
 #include "desktop/pngcopy.h"
-#include "desktop/workerthread.h"
 
 #include <QCoroFuture>
 #include <QDBusArgument>
@@ -86,9 +85,7 @@ bool XfceDesktop::isStyleForOneMonitor(const QVariant &style)
 
 QCoro::Task<SetResult> XfceDesktop::setPicture(Picture picture, Screen screen)
 {
-    const QFuture<tl::expected<QString, QString>> preparing
-        = onWorkerThread([picture] { return fileEveryDesktopReads(picture); });
-    const tl::expected<QString, QString> file = co_await preparing;
+    const tl::expected<QString, QString> file = co_await prepareFile(picture);
     if (!file) {
         co_return tl::make_unexpected(file.error());
     }

@@ -18,7 +18,9 @@ HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "journeys"))
 import driver  # noqa: E402
 import results  # noqa: E402
-from driver import Atspi, GLib, wait_until  # noqa: E402
+from gi.repository import Atspi, GLib  # noqa: E402
+from sessionbus import call, has_owner  # noqa: E402
+from waiting import PATIENCE, Impatience, wait_until  # noqa: E402
 from screens import Screens  # noqa: E402
 
 RED, GREEN = (255, 0, 0), (0, 128, 0)
@@ -164,7 +166,7 @@ class DesktopCheck:
         wait_until(lambda: subprocess.run(["bash", "-c", "is_session_kept"], check=False,
                                           stdout=subprocess.DEVNULL).returncode == 0,
                    "the session to run on")
-        driver.call(self.program.NAME, "/com/tarnel/Plenaura", "org.freedesktop.Application",
+        call(self.program.NAME, "/com/tarnel/Plenaura", "org.freedesktop.Application",
                     "Activate", GLib.Variant("(a{sv})", ({},)))
         self.program.find("push button", driver.GENERATE)
         return "Cancelled, the program stays"
@@ -195,7 +197,7 @@ class DesktopCheck:
 
     @staticmethod
     def is_there(painter):
-        return is_alive(painter) if painter.isdigit() else driver.has_owner(painter)
+        return is_alive(painter) if painter.isdigit() else has_owner(painter)
 
     @staticmethod
     @contextlib.contextmanager
@@ -235,7 +237,7 @@ class DesktopCheck:
             raise AssertionError(self.status)
         try:
             wait_until(lambda: self.screens.show(wanted), f"{wanted} on the screens")
-        except driver.Impatience as error:
+        except Impatience as error:
             raise AssertionError(f"{error}; they show {self.screens.colours()}") from None
 
     def apply_in_vain(self, tile):
@@ -248,7 +250,7 @@ class DesktopCheck:
                 raise AssertionError(f"{self.status}, but the screens show {self.screens.colours()}")
         return self.status
 
-    def wait_new_status(self, patience=driver.PATIENCE):
+    def wait_new_status(self, patience=PATIENCE):
         """Waits for another status than the last. Returns the longest time the window was silent."""
         slowest = 0.0
 
@@ -268,7 +270,7 @@ class DesktopCheck:
 
 
 def process_of(name):
-    return driver.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+    return call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                        "GetConnectionUnixProcessID", GLib.Variant("(s)", (name,)))[0]
 
 

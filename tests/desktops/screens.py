@@ -6,13 +6,13 @@ where neither the program's window nor a panel is.
 
 import shlex
 import subprocess
-import time
 
-from driver import wait_until
+from waiting import wait_until
 
 SCREEN = (1280, 800)
 # Pictures made for several screens are scaled, and desktops keep some of them as JPEG.
 TOLERANCE = 12
+# Between two looks; a fade that is under way has moved on by then.
 STILL = 0.4
 
 
@@ -48,8 +48,8 @@ class Screens:
         def is_still():
             nonlocal last
             before, last = last, self.fingerprint()
-            return last == before or time.sleep(STILL)
-        wait_until(is_still, "the screens to stand still")
+            return last == before
+        wait_until(is_still, "the screens to stand still", interval=STILL)
 
     def fingerprint(self):
         self.take()

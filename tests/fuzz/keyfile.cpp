@@ -1,5 +1,5 @@
 #include "input.h"
-#include "memoryfolder.h"
+#include "scratchfolder.h"
 #include "storage/keychain.h"
 
 #include <QDir>
@@ -41,7 +41,7 @@ std::optional<Keys> expectedKeys(const QByteArray &contents)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static const fuzzing::MemoryFolder home;
+    static const fuzzing::ScratchFolder home;
     static const QString folder = u"Library/Application Support/Plenaura"_s;
     [[maybe_unused]] static const bool prepared
         = qputenv("HOME", QFile::encodeName(home.path(u""_s))) && QDir().mkpath(home.path(folder));

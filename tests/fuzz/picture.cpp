@@ -1,6 +1,6 @@
 #include "input.h"
-#include "memoryfolder.h"
 #include "pngchecksums.h"
+#include "scratchfolder.h"
 #include "ui/picturereader.h"
 
 #include <QCoreApplication>
@@ -62,7 +62,7 @@ extern "C" size_t LLVMFuzzerCustomMutator(
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static const fuzzing::MemoryFolder folder;
+    static const fuzzing::ScratchFolder folder;
     const QString name = u"wallpaper_20260101_000000.png"_s;
     folder.put(name, fuzzing::bytes(data, size));
     check(folder.path(name), {48, 30}, ui::Framing::Cover);

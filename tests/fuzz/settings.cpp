@@ -1,6 +1,6 @@
 #include "core/settings.h"
 #include "input.h"
-#include "memoryfolder.h"
+#include "scratchfolder.h"
 
 #include <QSettings>
 
@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerInitialize(int * /*argc*/, char *** /*argv*/)
 /// Every setting of a file is read as every kind there is.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static const fuzzing::MemoryFolder folder;
+    static const fuzzing::ScratchFolder folder;
     // QSettings keeps what it read of the last files; a name that comes back would not be read.
     static int number = 0;
     const QString name = u"%1.conf"_s.arg(++number);

@@ -3,7 +3,8 @@
 
 import journey
 import person
-from driver import GENERATE, SET, wait_until
+from driver import GENERATE, SET
+from waiting import wait_until
 
 
 class ByKeyboard(journey.Journey):

@@ -3,7 +3,8 @@
 
 import journey
 import person
-from driver import GENERATE, SET, descendants, is_showing, wait_until
+from driver import GENERATE, SET, descendants, is_showing
+from waiting import wait_until
 
 
 class ByPointer(journey.Journey):

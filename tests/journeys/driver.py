@@ -1,175 +1,30 @@
 """Drives the built program on a private desktop as a person does, through accessibility.
 
 Everything here expects to run under scripts/on-private-display: a screen, a session bus and a home
-that belong to nobody. Nothing waits for a fixed time: wait_until() polls a condition.
+that belong to nobody.
 """
 
 import json
 import os
 import pathlib
-import shutil
 import signal
 import subprocess
 import sys
-import tempfile
-import time
 
 import gi
 
 gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi, Gio, GLib  # noqa: E402
+from gi.repository import Atspi, GLib  # noqa: E402
+
+from sessionbus import call, has_owner  # noqa: E402
+from waiting import PATIENCE, Impatience, Process, wait_until  # noqa: E402
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-PATIENCE = 30.0
-SCREEN = (1400, 900)
 
 GENERATE = "Generate & Set Wallpaper"
 SET = "Wallpaper set!"
 MISSING_KEY = "Missing {} API key \u2014 open Settings (\u2318,)"
 
-
-class Impatience(AssertionError):
-    """Something that should have happened did not."""
-
-
-def wait_until(condition, what, patience=PATIENCE):
-    """Returns the first true answer of condition(); fails after patience seconds."""
-    end = time.monotonic() + patience
-    while True:
-        answer = condition()
-        if answer:
-            return answer
-        if time.monotonic() > end:
-            raise Impatience(f"waited {patience:.0f} s for: {what}")
-        time.sleep(0.02)
-
-
-class Process:
-    """A child of ours, ended by its own pid."""
-
-    def __init__(self, command, **options):
-        self.command = [str(part) for part in command]
-        self.child = subprocess.Popen(self.command, **options)
-
-    def alive(self):
-        return self.child.poll() is None
-
-    def end(self, with_signal=signal.SIGTERM):
-        if self.alive():
-            self.child.send_signal(with_signal)
-        try:
-            return self.child.wait(5)
-        except subprocess.TimeoutExpired:
-            self.child.kill()
-            return self.child.wait()
-
-
-# The session bus.
-
-def bus():
-    return Gio.bus_get_sync(Gio.BusType.SESSION, None)
-
-
-def call(name, path, interface, method, arguments=None, timeout=5000):
-    answer = bus().call_sync(name, path, interface, method, arguments, None,
-                             Gio.DBusCallFlags.NONE, timeout, None)
-    return answer.unpack()
-
-
-def has_owner(name):
-    return call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                "NameHasOwner", GLib.Variant("(s)", (name,)))[0]
-
-
-# The desktop around the program.
-
-class Desktop:
-    """A real window manager, a real desktop painter, and a small tray."""
-
-    def __init__(self):
-        os.environ.setdefault("XDG_CURRENT_DESKTOP", "XFCE")
-        os.environ["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
-        os.environ["QT_QUICK_BACKEND"] = "software"
-        self.tray = None
-        self.window_manager = Process(["xfwm4", "--compositor=off"], stderr=subprocess.DEVNULL)
-        self.painter = Process(["xfdesktop"], stderr=subprocess.DEVNULL)
-        self.start_tray()
-        wait_until(lambda: has_owner("org.xfce.xfdesktop"), "xfdesktop on the bus")
-        wait_until(self.backdrop, "xfdesktop knowing its monitor")
-        # Any call wakes the accessibility bus, which takes a moment.
-        wait_until(lambda: Atspi.get_desktop(0) is not None, "the accessibility bus")
-
-    def start_tray(self):
-        self.tray = Process([pathlib.Path(__file__).with_name("tray_watcher.py")])
-        wait_until(lambda: has_owner("org.kde.StatusNotifierWatcher"), "the tray")
-
-    def end_tray(self):
-        self.tray.end()
-        wait_until(lambda: not has_owner("org.kde.StatusNotifierWatcher"), "the tray's end")
-
-    def end(self):
-        for process in (self.tray, self.painter, self.window_manager):
-            process.end()
-
-    @staticmethod
-    def backdrop():
-        """The picture that the desktop's settings name, or nothing before its first start."""
-        try:
-            (properties,) = call("org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf",
-                                 "GetAllProperties",
-                                 GLib.Variant("(ss)", ("xfce4-desktop", "/backdrop")))
-        except GLib.Error:
-            return None
-        pictures = [value for name, value in properties.items()
-                    if name.endswith("/workspace0/last-image")]
-        return pictures[0] if pictures else None
-
-    @staticmethod
-    def screenshot(path):
-        subprocess.run(["import", "-window", "root", str(path)], check=True)
-
-    @staticmethod
-    def show_bare(bare):
-        """Hides all windows, or shows them again."""
-        wait_until(lambda: subprocess.run(["wmctrl", "-k", "on" if bare else "off"], check=False,
-                                          stderr=subprocess.DEVNULL).returncode == 0,
-                   "the window manager")
-
-
-def difference(screenshot, picture, size=SCREEN):
-    """How far a screenshot is from the picture scaled to cover the screen; 0 equal, 1 opposite."""
-    area = f"{size[0]}x{size[1]}"
-    answer = subprocess.run(
-        ["convert", str(screenshot),
-         "(", str(picture), "-resize", f"{area}^", "-gravity", "center", "-extent", area, ")",
-         "-alpha", "off", "-metric", "RMSE", "-compare", "-format", "%[distortion]", "info:"],
-        capture_output=True, text=True, check=True)
-    return float(answer.stdout)
-
-
-class ImageService:
-    """The local image service, with a record of all it was asked."""
-
-    def __init__(self, binaries, record=None, port=None):
-        self.folder = pathlib.Path(record or tempfile.mkdtemp(prefix="requests-"))
-        self.folder.mkdir(parents=True, exist_ok=True)
-        command = [binaries / "imageservice", "--record", self.folder]
-        if port is not None:
-            command += ["--port", str(port)]
-        self.process = Process(command, stdout=subprocess.PIPE, text=True)
-        line = self.process.child.stdout.readline()
-        if "listening" not in line:
-            raise AssertionError("the image service did not start: is its port taken?")
-
-    def requests(self):
-        return [json.loads(path.read_text()) for path in sorted(self.folder.glob("*.json"))]
-
-    def end(self):
-        self.process.end()
-        shutil.rmtree(self.folder, ignore_errors=True)
-
-
-# The program, through the eyes and hands of accessibility.
 
 def descendants(root):
     pending = [root]

@@ -2,7 +2,8 @@
 """Somebody starts the program for the first time, gives it a key, and makes a wallpaper."""
 
 import journey
-from driver import GENERATE, SET, wait_until
+from driver import GENERATE, SET
+from waiting import wait_until
 
 
 class FirstLaunch(journey.Journey):

@@ -9,6 +9,8 @@ import tempfile
 import unittest
 
 import driver
+from surroundings import Desktop, ImageService, difference
+from waiting import wait_until
 
 
 class Journey(unittest.TestCase):
@@ -16,11 +18,11 @@ class Journey(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.desktop = driver.Desktop()
+        cls.desktop = Desktop()
         cls.addClassCleanup(cls.desktop.end)
 
     def setUp(self):
-        self.service = driver.ImageService(self.binaries)
+        self.service = ImageService(self.binaries)
         self.addCleanup(self.service.end)
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="home-"))
         self.addCleanup(shutil.rmtree, self.home, ignore_errors=True)
@@ -56,9 +58,9 @@ class Journey(unittest.TestCase):
 
         def shown():
             self.desktop.screenshot(shot)
-            return driver.difference(shot, picture) < 0.05
+            return difference(shot, picture) < 0.05
         try:
-            driver.wait_until(shown, f"{picture} on the screen")
+            wait_until(shown, f"{picture} on the screen")
         finally:
             self.desktop.show_bare(False)
 

@@ -2,7 +2,8 @@
 """What people read when something goes wrong, and that the program goes on after it."""
 
 import journey
-from driver import GENERATE, SET, wait_until
+from driver import GENERATE, SET
+from waiting import wait_until
 
 
 class Mishaps(journey.Journey):

@@ -3,7 +3,8 @@
 import subprocess
 
 import driver
-from driver import Atspi, GLib, wait_until
+from gi.repository import Atspi, GLib
+from waiting import wait_until
 
 
 # The pointer.

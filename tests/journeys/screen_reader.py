@@ -3,7 +3,8 @@
 
 import journey
 import person
-from driver import GENERATE, MISSING_KEY, SET, wait_until
+from driver import GENERATE, MISSING_KEY, SET
+from waiting import wait_until
 
 KEY = "canary-key-5e1f"
 

@@ -12,7 +12,10 @@ import urllib.parse
 
 import journey
 import driver
-from driver import GENERATE, SET, Atspi, GLib, wait_until
+from driver import GENERATE, SET
+from gi.repository import Atspi, GLib
+from sessionbus import call
+from waiting import Process, wait_until
 
 CANARY = "canary/key+with=every&sign%20\u00e9"
 PORT = 48620
@@ -64,13 +67,13 @@ class Secrecy(journey.Journey):
         self.monitors = []
         self.watch("bus", "--session")
         # The calls on the other bus are ours, and one of them types the key.
-        (address,) = driver.call("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")
+        (address,) = call("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")
         self.watch("accessibility bus", "--address", address, "type='signal'")
 
     def watch(self, name, *options):
         log = (self.home / name).open("wb")
         self.addCleanup(log.close)
-        monitor = driver.Process(["dbus-monitor", *options], stdout=log)
+        monitor = Process(["dbus-monitor", *options], stdout=log)
         self.addCleanup(monitor.end)
         wait_until(lambda: (self.home / name).stat().st_size, f"the monitor of the {name}")
 

@@ -5,7 +5,8 @@ import json
 
 import journey
 import person
-from driver import descendants, wait_until
+from driver import descendants
+from waiting import wait_until
 
 KEY = "canary-first-key"
 OTHER_KEY = "canary-second-key"

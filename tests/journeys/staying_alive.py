@@ -5,7 +5,10 @@ import signal
 
 import driver
 import journey
-from driver import SET, wait_until
+from driver import SET
+from gi.repository import GLib
+from sessionbus import call
+from waiting import wait_until
 
 
 class StayingAlive(journey.Journey):
@@ -176,8 +179,8 @@ class Tray(journey.Journey):
         self.assertEqual(self.program.wait_for_exit(), 0)
 
     def action(self, name):
-        driver.call(self.program.NAME, "/com/tarnel/Plenaura", "org.freedesktop.Application",
-                    "ActivateAction", driver.GLib.Variant("(sava{sv})", (name, [], {})))
+        call(self.program.NAME, "/com/tarnel/Plenaura", "org.freedesktop.Application",
+                    "ActivateAction", GLib.Variant("(sava{sv})", (name, [], {})))
 
 
 if __name__ == "__main__":

@@ -3,7 +3,8 @@
 
 import driver
 import journey
-from driver import SET, wait_until
+from driver import SET
+from waiting import wait_until
 
 MORE_THAN_A_MINUTE = 75
 

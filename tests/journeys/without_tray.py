@@ -4,7 +4,8 @@
 import driver
 import journey
 import person
-from driver import GENERATE, wait_until
+from driver import GENERATE
+from waiting import wait_until
 
 
 class WithoutTray(journey.Journey):

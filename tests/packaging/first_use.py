@@ -8,7 +8,9 @@ import unittest
 
 import onthebus
 import driver
-from driver import Atspi, wait_until
+from gi.repository import Atspi
+from surroundings import Desktop, difference
+from waiting import wait_until
 
 DATA = pathlib.Path("/usr/share")
 LAUNCHER = DATA / "applications/com.tarnel.Plenaura.desktop"
@@ -18,7 +20,7 @@ PICTURE = "wallpaper_20261121_120000.png"
 
 class FirstUse(unittest.TestCase):
     def setUp(self):
-        self.desktop = driver.Desktop()
+        self.desktop = Desktop()
         self.addCleanup(self.desktop.end)
         onthebus.hand_to_bus("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "QT_QUICK_BACKEND",
                              "XDG_CURRENT_DESKTOP")
@@ -64,7 +66,7 @@ class FirstUse(unittest.TestCase):
 
         def is_shown():
             self.desktop.screenshot(shot)
-            return driver.difference(shot, picture) < 0.05
+            return difference(shot, picture) < 0.05
         wait_until(is_shown, "the picture on the desktop")
 
     def test_from_the_tray_to_a_new_wallpaper(self):

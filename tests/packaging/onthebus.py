@@ -9,7 +9,9 @@ import sys
 from installation import ID, ROOT
 
 sys.path.insert(0, str(ROOT / "tests/journeys"))
-from driver import GLib, call, has_owner, wait_until  # noqa: E402
+from gi.repository import GLib  # noqa: E402
+from sessionbus import call, has_owner  # noqa: E402
+from waiting import wait_until  # noqa: E402
 
 BUS = ("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus")
 

@@ -97,9 +97,8 @@ void PictureReaderTest::noOtherDecoderIsAsked()
     QFETCH(const QByteArray, format);
     QFETCH(QByteArray, bytes);
     QBuffer buffer(&bytes);
-    if (QImageReader(&buffer).size().isEmpty()) {
-        QSKIP("This system has no such decoder.");
-    }
+    // Without that decoder the test would prove nothing.
+    QVERIFY2(!QImageReader(&buffer).size().isEmpty(), "The decoder is not installed.");
     put(u"a.png"_s, bytes);
     QVERIFY(read(u"a.png"_s).isNull());
 }

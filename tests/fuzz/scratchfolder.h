@@ -9,11 +9,12 @@
 
 namespace fuzzing {
 
-/// A folder in memory, because what is read by name is written millions of times.
-class MemoryFolder
+/// A folder for what is read by name and written millions of times; the runner has temporary files
+/// lie in memory where it can.
+class ScratchFolder
 {
 public:
-    MemoryFolder() : m_folder(QStringLiteral("/dev/shm/plenaura-fuzz-XXXXXX"))
+    ScratchFolder()
     {
         if (!m_folder.isValid()) {
             std::abort();
