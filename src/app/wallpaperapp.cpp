@@ -1,5 +1,6 @@
 #include "app/wallpaperapp.h"
 
+#include "app/codepages.h"
 #include "app/singleinstance.h"
 #include "core/clock.h"
 #include "desktop/desktoppicture.h"
@@ -8,7 +9,11 @@
 
 #include <QGuiApplication>
 
+#include <chrono>
+
 namespace app {
+
+using namespace std::chrono_literals;
 
 WallpaperApp::WallpaperApp(SingleInstance &instance, QObject *parent)
     : QObject(parent), m_clock(core::Clock::system()), m_desktop(desktop::DesktopPicture::system()),
@@ -49,6 +54,13 @@ WallpaperApp::WallpaperApp(SingleInstance &instance, QObject *parent)
     connect(&m_trayHost, &TrayHost::available, &m_windows,
         [this] { m_windows.setTrayAvailable(true); });
     m_trayHost.watch();
+
+    // What a start or a closing window still has to do is done by then.
+    constexpr std::chrono::milliseconds untilSettled = 500ms;
+    m_rest.setSingleShot(true);
+    m_rest.setInterval(untilSettled);
+    connect(&m_rest, &QTimer::timeout, this, &WallpaperApp::restInTray);
+    connect(qGuiApp, &QGuiApplication::lastWindowClosed, &m_rest, qOverload<>(&QTimer::start));
 }
 
 WallpaperApp::~WallpaperApp() = default;
@@ -57,6 +69,15 @@ void WallpaperApp::start()
 {
     if (!SingleInstance::startedByBus()) {
         m_windows.showMainWindow();
+    } else {
+        m_rest.start();
+    }
+}
+
+void WallpaperApp::restInTray()
+{
+    if (!m_windows.isMainWindowShown() && !m_windows.isSettingsShown()) {
+        releaseCodePages();
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include <QObject>
 #include <QSettings>
+#include <QTimer>
 
 #include <memory>
 
@@ -46,6 +47,7 @@ public:
 
 private:
     void generateNow();
+    void restInTray();
 
     OwnSettings m_settings;
     std::unique_ptr<core::Clock> m_clock;
@@ -56,6 +58,7 @@ private:
     ui::MenuBarView m_menu;
     TrayHost m_trayHost;
     TrayIcon m_trayIcon;
+    QTimer m_rest;
 };
 
 } // namespace app
