@@ -31,7 +31,7 @@ qint64 decodedSize(const QImageReader &reader)
 
 tl::expected<QImage, QString> decoded(QFile &file, const QByteArray &format)
 {
-    if (format == "png" && !chunksFit(file)) {
+    if (!isWhole(file, format)) {
         return tl::make_unexpected(u"The image is damaged"_s);
     }
     QImageReader reader(&file, format);

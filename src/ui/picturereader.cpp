@@ -60,7 +60,8 @@ QImage readScaled(QImageReader &reader, QSize scaled, QRect kept)
 {
     // Qt's own way of scaling a PNG loses the colours of pictures with two of them.
     if (reader.imageFormat() == QImage::Format_Mono) {
-        return reader.read().scaled(scaled).copy(kept);
+        const QImage image = reader.read();
+        return image.isNull() ? image : image.scaled(scaled).copy(kept);
     }
     const QRect whole({}, scaled);
     if (scaled != reader.size() || kept != whole) {
@@ -85,7 +86,7 @@ QImage readPicture(const QString &file, QSize box, Framing framing, const std::a
         return {};
     }
     const QByteArray format = desktop::pictureFormat(device);
-    if (format == "png" && !desktop::chunksFit(device)) {
+    if (!desktop::isWhole(device, format)) {
         return {};
     }
     QImageReader reader(&device, format);

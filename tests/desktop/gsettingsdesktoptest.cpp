@@ -1,8 +1,10 @@
 #include "desktop/gsettingsdesktop.h"
 
 #include "desktop/gsettingskeys.h"
+#include "errorof.h"
 #include "fakesettings.h"
 #include "onscreen.h"
+#include "testlibs/orientedjpeg.h"
 #include "twoscreens.h"
 
 #include <QCoroTask>
@@ -24,11 +26,6 @@ using desktop::Screen;
 using desktop::SetResult;
 
 namespace {
-
-QString errorOf(const SetResult &result)
-{
-    return result ? u"no error"_s : result.error();
-}
 
 // The bus stands in for the painter: it is there, and answers.
 SetResult set(const QString &file, const QString &screen = u"left"_s,
@@ -63,12 +60,7 @@ class GSettingsDesktopTest : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_folder;
-
-    QString picture(const QString &name, QColor colour)
-    {
-        return oneColourPicture(m_folder.filePath(name), colour, {160, 90});
-    }
+    PictureFolder m_folder{{160, 90}};
 
 private Q_SLOTS:
     void init()
@@ -83,7 +75,7 @@ private Q_SLOTS:
 
     void theMainScreenChangesAndTheOtherKeepsItsPicture()
     {
-        QCOMPARE(errorOf(set(picture(u"red #1 ü.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red #1 ü.png"_s, Qt::red))), u"no error"_s);
         QCOMPARE(shown().size(), QSize(180, 60));
         QCOMPARE(shown().pixelColor(79, 30), QColor(Qt::red));
         QCOMPARE(shown().pixelColor(80, 30), QColor(Qt::blue));
@@ -91,9 +83,23 @@ private Q_SLOTS:
         QCOMPARE(setting("picture-uri-dark"_ba), setting("picture-uri"_ba));
     }
 
+    void picturesOfBothScreensAreTurnedTheRightWayUp_data() { testlibs::addOrientations(); }
+    void picturesOfBothScreensAreTurnedTheRightWayUp()
+    {
+        QFETCH(int, orientation);
+        const QString file
+            = testlibs::putOrientedJpeg(m_folder.filePath(u"turned.jpg"_s), orientation, {160, 96});
+        writeSetting("picture-uri"_ba, QUrl::fromLocalFile(file).toString());
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(testlibs::quarters(shown().copy(80, 0, 100, 60)), testlibs::uprightQuarters);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red), u"right"_s)), u"no error"_s);
+        QCOMPARE(errorOf(set(file)), u"no error"_s);
+        QCOMPARE(testlibs::quarters(shown().copy(0, 0, 80, 60)), testlibs::uprightQuarters);
+    }
+
     void whatAllScreensShowAlikeIsSetAsItIs()
     {
-        const QString red = picture(u"red #1 ü.png"_s, Qt::red);
+        const QString red = m_folder.picture(u"red #1 ü.png"_s, Qt::red);
         QCOMPARE(errorOf(set(red)), u"no error"_s);
         QCOMPARE(errorOf(set(red, u"right"_s)), u"no error"_s);
         QCOMPARE(
@@ -121,7 +127,7 @@ private Q_SLOTS:
         writeSetting("primary-color"_ba, u"#ff0000"_s);
         writeSetting("secondary-color"_ba, u"#0000ff"_s);
         writeSetting("color-shading-type"_ba, shading);
-        QCOMPARE(errorOf(set(picture(u"green.png"_s, Qt::green))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"green.png"_s, Qt::green))), u"no error"_s);
         const auto isNear = [](QColor seen, QColor wanted) {
             return std::abs(seen.red() - wanted.red()) < 6
                 && std::abs(seen.blue() - wanted.blue()) < 6 && seen.green() == 0;
@@ -133,17 +139,17 @@ private Q_SLOTS:
     void aPainterThatIsGoneIsAnError()
     {
         const QString gone = u"org.example.Gone"_s;
-        const SetResult result
-            = set(picture(u"red #1 ü.png"_s, Qt::red), u"left"_s, BackgroundKeys::gnome(), gone);
+        const SetResult result = set(
+            m_folder.picture(u"red #1 ü.png"_s, Qt::red), u"left"_s, BackgroundKeys::gnome(), gone);
         QVERIFY2(!result && errorOf(result).contains(gone), qPrintable(errorOf(result)));
         QCOMPARE(setting("picture-uri"_ba), QString());
     }
 
     void aHiddenPictureStaysHiddenOnTheOtherScreen()
     {
-        writeSetting("picture-uri"_ba, picture(u"green.png"_s, Qt::green));
+        writeSetting("picture-uri"_ba, m_folder.picture(u"green.png"_s, Qt::green));
         writeSetting("picture-options"_ba, u"none"_s);
-        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
         QCOMPARE(shown().pixelColor(80, 30), QColor(Qt::blue));
         QCOMPARE(setting("picture-options"_ba), u"spanned"_s);
     }
@@ -159,19 +165,19 @@ private Q_SLOTS:
     {
         QFETCH(QString, style);
         writeSetting("color-scheme"_ba, style, "org.gnome.desktop.interface"_ba);
-        writeSetting(
-            "picture-uri"_ba, QUrl::fromLocalFile(picture(u"green.png"_s, Qt::green)).toString());
+        writeSetting("picture-uri"_ba,
+            QUrl::fromLocalFile(m_folder.picture(u"green.png"_s, Qt::green)).toString());
         writeSetting("picture-uri-dark"_ba,
-            QUrl::fromLocalFile(picture(u"yellow.png"_s, Qt::yellow)).toString());
-        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))), u"no error"_s);
+            QUrl::fromLocalFile(m_folder.picture(u"yellow.png"_s, Qt::yellow)).toString());
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
         QTEST(shown().pixelColor(80, 30), "colour");
     }
 
     void theOtherScreensPictureIsPlacedAsBefore()
     {
-        writeSetting("picture-uri"_ba, picture(u"green.png"_s, Qt::green));
+        writeSetting("picture-uri"_ba, m_folder.picture(u"green.png"_s, Qt::green));
         writeSetting("picture-options"_ba, u"scaled"_s);
-        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
         // 160 x 90 on 100 x 60 leaves a stripe above and below.
         QCOMPARE(shown().pixelColor(130, 0), QColor(Qt::blue));
         QCOMPARE(shown().pixelColor(130, 30), QColor(Qt::green));
@@ -184,16 +190,17 @@ private Q_SLOTS:
         QVERIFY(slides.open(QIODevice::WriteOnly));
         slides.write("<background><starttime><year>2020</year></starttime><static><file>\n"
                      "<size width=\"9\" height=\"9\">"
-            + picture(u"green.png"_s, Qt::green).toUtf8() + "</size></file></static></background>");
+            + m_folder.picture(u"green.png"_s, Qt::green).toUtf8()
+            + "</size></file></static></background>");
         slides.close();
         writeSetting("picture-uri"_ba, QUrl::fromLocalFile(slides.fileName()).toString());
-        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
         QCOMPARE(shown().pixelColor(80, 30), QColor(Qt::green));
     }
 
     void eachDesktopHasItsOwnKeys()
     {
-        const QString red = picture(u"red.png"_s, Qt::red);
+        const QString red = m_folder.picture(u"red.png"_s, Qt::red);
         const BackgroundKeys mate = BackgroundKeys::mate();
         const BackgroundKeys cinnamon = BackgroundKeys::cinnamon();
         QCOMPARE(errorOf(set(red, u"left"_s, mate)), u"no error"_s);
@@ -208,7 +215,7 @@ private Q_SLOTS:
     void aMissingSchemaIsAnError()
     {
         const BackgroundKeys none{u"none"_s, "org.example.none"_ba, "picture-uri"_ba};
-        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red), u"left"_s, none)),
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red), u"left"_s, none)),
             u"The desktop's settings are not installed"_s);
     }
 
@@ -217,7 +224,7 @@ private Q_SLOTS:
         const auto service
             = QDBusConnection::sessionBus().interface()->servicePid(u"ca.desrt.dconf"_s);
         QVERIFY(service.isValid());
-        const QString red = picture(u"red.png"_s, Qt::red);
+        const QString red = m_folder.picture(u"red.png"_s, Qt::red);
         int turns = 0;
         QTimer eventLoop;
         connect(&eventLoop, &QTimer::timeout, this, [&turns] { ++turns; });

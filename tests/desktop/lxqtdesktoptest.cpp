@@ -1,5 +1,6 @@
 #include "desktop/lxqtdesktop.h"
 
+#include "errorof.h"
 #include "fakelxqt.h"
 #include "onscreen.h"
 #include "twoscreens.h"
@@ -16,11 +17,6 @@ using desktop::Screen;
 using desktop::SetResult;
 
 namespace {
-
-QString errorOf(const SetResult &result)
-{
-    return result ? u"no error"_s : result.error();
-}
 
 SetResult set(const QString &file, const QString &screen = u"left"_s)
 {
@@ -62,12 +58,7 @@ class LxqtDesktopTest : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_folder;
-
-    QString picture(const QString &name, QColor colour)
-    {
-        return oneColourPicture(m_folder.filePath(name), colour, {160, 90});
-    }
+    PictureFolder m_folder{{160, 90}};
 
 private Q_SLOTS:
     void init()
@@ -83,13 +74,14 @@ private Q_SLOTS:
     {
         FakeLxqt fake(FakeLxqt::Obliging);
         FakeLxqt::writeSetting(u"BgColor"_s, u"#0000ff"_s);
-        QCOMPARE(errorOf(set(picture(u"red #1 ü.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red #1 ü.png"_s, Qt::red))), u"no error"_s);
         QCOMPARE(shown().size(), QSize(180, 60));
         QCOMPARE(shown().pixelColor(79, 30), QColor(Qt::red));
         QCOMPARE(shown().pixelColor(80, 30), QColor(Qt::blue));
 
-        QCOMPARE(errorOf(set(picture(u"yellow.png"_s, Qt::yellow), u"right"_s)), u"no error"_s);
-        QCOMPARE(errorOf(set(picture(u"green.webp"_s, Qt::green))), u"no error"_s);
+        QCOMPARE(
+            errorOf(set(m_folder.picture(u"yellow.png"_s, Qt::yellow), u"right"_s)), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"green.webp"_s, Qt::green))), u"no error"_s);
         QVERIFY(shown().pixelColor(79, 30).green() > 240);
         QVERIFY(shown().pixelColor(79, 30).red() < 15);
         QCOMPARE(shown().pixelColor(80, 30), QColor(Qt::yellow));
@@ -108,7 +100,7 @@ private Q_SLOTS:
         const QString file = m_folder.filePath(u"halves.png"_s);
         QVERIFY(halves.save(file));
         FakeLxqt::writeSetting(u"Wallpaper"_s, file);
-        QCOMPARE(errorOf(set(picture(u"yellow.png"_s, Qt::yellow))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"yellow.png"_s, Qt::yellow))), u"no error"_s);
         QCOMPARE(shown().copy(80, 0, 100, 60), halves.copy(80, 0, 100, 60));
         QCOMPARE(shown().pixelColor(79, 30), QColor(Qt::yellow));
     }
@@ -125,7 +117,7 @@ private Q_SLOTS:
         QFETCH(QVariant, perScreen);
         FakeLxqt fake(FakeLxqt::Obliging);
         FakeLxqt::writeSetting(u"PerScreenWallpaper"_s, perScreen);
-        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
         QTEST(fake.told.value(0).section(u':', 0, 0), "mode");
     }
 
@@ -134,7 +126,7 @@ private Q_SLOTS:
         FakeLxqt fake(FakeLxqt::Obliging);
         FakeLxqt::writeSetting(u"PerScreenWallpaper"_s, true);
         FakeLxqt::writeSetting(u"WallpaperMode"_s, u"zoom"_s);
-        const QString red = picture(u"red.png"_s, Qt::red);
+        const QString red = m_folder.picture(u"red.png"_s, Qt::red);
         QCOMPARE(errorOf(set(red)), u"no error"_s);
         QCOMPARE(errorOf(set(red, u"right"_s)), u"no error"_s);
         QCOMPARE(fake.told.value(1), u"zoom:"_s + red);
@@ -144,7 +136,7 @@ private Q_SLOTS:
     {
         FakeLxqt fake(FakeLxqt::Obliging);
         for (int i = 0; i < 4; ++i) {
-            QCOMPARE(errorOf(set(picture(u"%1.png"_s.arg(i), Qt::red))), u"no error"_s);
+            QCOMPARE(errorOf(set(m_folder.picture(u"%1.png"_s.arg(i), Qt::red))), u"no error"_s);
             QVERIFY(composedFiles().contains(
                 QFileInfo(FakeLxqt::setting(u"Wallpaper"_s).toString()).fileName()));
         }
@@ -156,11 +148,12 @@ private Q_SLOTS:
     void aDeletedPictureStaysWhereItIsShown()
     {
         FakeLxqt fake(FakeLxqt::Obliging);
-        const QString red = picture(u"red.png"_s, Qt::red);
+        const QString red = m_folder.picture(u"red.png"_s, Qt::red);
         QCOMPARE(errorOf(set(red, u"right"_s)), u"no error"_s);
         QVERIFY(QFile::remove(red));
         for (int i = 0; i < 3; ++i) {
-            QCOMPARE(errorOf(set(picture(u"green%1.png"_s.arg(i), Qt::green))), u"no error"_s);
+            QCOMPARE(
+                errorOf(set(m_folder.picture(u"green%1.png"_s.arg(i), Qt::green))), u"no error"_s);
             QCOMPARE(shown().pixelColor(79, 30), QColor(Qt::green));
             QCOMPARE(shown().copy(80, 0, 100, 60), oneColour({100, 60}, Qt::red));
         }
@@ -169,8 +162,9 @@ private Q_SLOTS:
     void changedScreensGetTheirPicturesAgain()
     {
         FakeLxqt fake(FakeLxqt::Obliging);
-        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))), u"no error"_s);
-        QCOMPARE(errorOf(set(picture(u"blue.png"_s, Qt::blue), u"right"_s)), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(
+            errorOf(set(m_folder.picture(u"blue.png"_s, Qt::blue), u"right"_s)), u"no error"_s);
         QCOMPARE(errorOf(followScreens()), u"no error"_s);
         QCOMPARE(fake.told.size(), 2);
 
@@ -196,7 +190,7 @@ private Q_SLOTS:
     {
         FakeLxqt fake(FakeLxqt::Obliging);
         QCOMPARE(errorOf(followScreens()), u"no error"_s);
-        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
         FakeLxqt::writeSetting(u"Wallpaper"_s, u"/usr/share/other.png"_s);
         QCOMPARE(errorOf(followScreens()), u"no error"_s);
         QCOMPARE(fake.told.size(), 1);
@@ -214,21 +208,21 @@ private Q_SLOTS:
     void anIgnoredPictureIsAnError()
     {
         FakeLxqt fake(FakeLxqt::Forgetful);
-        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red))),
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))),
             u"The desktop did not keep the picture"_s);
     }
 
     void aScreenThatIsGoneIsAnError()
     {
         FakeLxqt fake(FakeLxqt::Obliging);
-        QCOMPARE(errorOf(set(picture(u"red.png"_s, Qt::red), u"middle"_s)),
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red), u"middle"_s)),
             u"The screen is no longer there"_s);
         QCOMPARE(fake.told, QStringList());
     }
 
     void aMissingDesktopIsAnError()
     {
-        const QString error = errorOf(set(picture(u"red.png"_s, Qt::red)));
+        const QString error = errorOf(set(m_folder.picture(u"red.png"_s, Qt::red)));
         QVERIFY2(error.startsWith(u"The desktop is not running"_s), qPrintable(error));
     }
 
@@ -237,7 +231,7 @@ private Q_SLOTS:
         FakeLxqt fake(FakeLxqt::Silent);
         QElapsedTimer clock;
         clock.start();
-        const QString error = errorOf(set(picture(u"red.png"_s, Qt::red)));
+        const QString error = errorOf(set(m_folder.picture(u"red.png"_s, Qt::red)));
         QVERIFY2(
             error.startsWith(u"The desktop did not answer within 3 seconds"_s), qPrintable(error));
         QVERIFY(clock.elapsed() > 2800);

@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QPixmap>
 #include <QScreen>
+#include <QTemporaryDir>
 
 /// What a person sees of the whole virtual desktop.
 inline QImage screenshot()
@@ -26,11 +27,25 @@ inline QImage oneColour(QSize size, QColor colour)
     return image;
 }
 
-/// A picture of one colour at @p file, whose name tells the format; the file.
-inline QString oneColourPicture(const QString &file, QColor colour, QSize size = {1600, 900})
+/// A folder for pictures of one colour, which lives as long as this.
+class PictureFolder : public QTemporaryDir
 {
-    if (!oneColour(size, colour).save(file)) {
-        qFatal("The test's own picture cannot be written.");
+public:
+    explicit PictureFolder(QSize size = {1600, 900}) : m_size(size) { }
+
+    /// Makes one, whose name tells the format; the file.
+    QString picture(const QString &name, QColor colour) const
+    {
+        return picture(name, colour, m_size);
     }
-    return file;
-}
+    QString picture(const QString &name, QColor colour, QSize size) const
+    {
+        if (!oneColour(size, colour).save(filePath(name))) {
+            qFatal("The test's own picture cannot be written.");
+        }
+        return filePath(name);
+    }
+
+private:
+    QSize m_size;
+};

@@ -1,7 +1,9 @@
 #include "desktop/picturefile.h"
 
+#include "desktop/pictureformat.h"
+#include "testlibs/orientedjpeg.h"
+
 #include <QBuffer>
-#include <QElapsedTimer>
 #include <QImageWriter>
 #include <QTemporaryDir>
 #include <QtEndian>
@@ -14,6 +16,10 @@
 using namespace Qt::StringLiterals;
 using desktop::Picture;
 using desktop::readPicture;
+using testlibs::firstOrientation;
+using testlibs::orientedJpeg;
+using testlibs::quarters;
+using testlibs::uprightQuarters;
 
 namespace {
 
@@ -43,6 +49,26 @@ QByteArray bigEndian(quint32 number)
 {
     const quint32 swapped = qToBigEndian(number);
     return {reinterpret_cast<const char *>(&swapped), 4};
+}
+
+QByteArray progressiveJpeg()
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, "jpeg");
+    writer.setProgressiveScanWrite(true);
+    const bool written = writer.write(QImage::fromData(orientedJpeg(firstOrientation, {40, 30})));
+    return written ? buffer.data() : QByteArray();
+}
+
+/// With a whole small JPEG in a segment of its own, as cameras put it there.
+QByteArray withThumbnail(QByteArray jpeg)
+{
+    constexpr qsizetype behindTheStart = 2;
+    const QByteArray small = orientedJpeg(firstOrientation, {16, 16});
+    const auto length = qToBigEndian(quint16(small.size() + 2));
+    return jpeg.insert(behindTheStart,
+        "\xff\xe2"_ba + QByteArray(reinterpret_cast<const char *>(&length), 2) + small);
 }
 
 /// A PNG that says how large it is, and has no rows.
@@ -130,18 +156,18 @@ private Q_SLOTS:
         QCOMPARE(picture->file, file);
     }
 
-    void aPictureOnItsSideIsTurned()
+    void aPictureIsTurnedTheRightWayUp_data() { testlibs::addOrientations(); }
+    void aPictureIsTurnedTheRightWayUp()
     {
-        QImage image(40, 30, QImage::Format_RGB32);
-        image.fill(Qt::red);
-        QImageWriter writer(m_folder.filePath(u"turned.jpg"_s), "jpeg");
-        writer.setTransformation(QImageIOHandler::TransformationRotate90);
-        QVERIFY(writer.write(image));
+        QFETCH(int, orientation);
+        const QString file
+            = testlibs::putOrientedJpeg(m_folder.filePath(u"turned.jpg"_s), orientation, {64, 32});
 
-        const tl::expected<Picture, QString> picture = readPicture(writer.fileName());
+        const tl::expected<Picture, QString> picture = readPicture(file);
 
         QVERIFY(picture);
-        QCOMPARE(picture->image.size(), QSize(30, 40));
+        QCOMPARE(picture->image.size(), QSize(64, 32));
+        QCOMPARE(quarters(picture->image), uprightQuarters);
     }
 
     void whatIsNoPictureIsRefused_data()
@@ -184,21 +210,59 @@ private Q_SLOTS:
         QCOMPARE(picture.error(), error);
     }
 
-    void everyCutOfAPictureComesToAnEnd_data()
+    void aCutPictureIsRefusedUnlessAllOfItIsThere_data()
     {
         QTest::addColumn<QByteArray>("bytes");
+        const QByteArray jpeg = orientedJpeg(firstOrientation, {40, 30});
         QTest::newRow("PNG") << encoded("png");
-        QTest::newRow("JPEG") << encoded("jpeg");
         QTest::newRow("WebP") << encoded("webp");
+        QTest::newRow("JPEG") << jpeg;
+        QTest::newRow("JPEG in several scans") << progressiveJpeg();
+        QTest::newRow("JPEG with a thumbnail") << withThumbnail(jpeg);
     }
-    void everyCutOfAPictureComesToAnEnd()
+    void aCutPictureIsRefusedUnlessAllOfItIsThere()
     {
         QFETCH(QByteArray, bytes);
-        for (int size = 1; size < bytes.size(); ++size) {
-            const tl::expected<Picture, QString> picture
-                = readPicture(write(u"cut.png"_s, bytes.first(size)));
-            QVERIFY(picture ? picture->image.size() == QSize(40, 30) : !picture.error().isEmpty());
+        const QString file = write(u"cut"_s, bytes);
+        const auto whole = readPicture(file);
+        QVERIFY(whole);
+        for (qsizetype size = bytes.size() - 1; size > 0; --size) {
+            QVERIFY(QFile::resize(file, size));
+            const auto cut = readPicture(file);
+            QVERIFY2(!cut || cut->image == whole->image, qPrintable(QString::number(size)));
+            QVERIFY2(!cut || whole->format != "jpeg", qPrintable(QString::number(size)));
         }
+    }
+
+    void theEndOfAJpegIsFoundWhereverItLies()
+    {
+        constexpr qsizetype endOfImage = 2;
+        constexpr int moreThanIsReadAtOnce = 10'000;
+        const QByteArray jpeg = orientedJpeg(firstOrientation, {40, 30});
+        for (int padding = 0; padding < moreThanIsReadAtOnce; ++padding) {
+            QBuffer file;
+            file.setData(
+                jpeg.chopped(endOfImage) + QByteArray(padding, '\0') + jpeg.last(endOfImage));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            QVERIFY2(desktop::isWhole(file, "jpeg"_ba), qPrintable(QString::number(padding)));
+            QCOMPARE(file.pos(), 0);
+        }
+    }
+
+    void whatFollowsAJpegDoesNoHarm_data()
+    {
+        QTest::addColumn<QByteArray>("more");
+        QTest::newRow("padding") << QByteArray(5000, '\0');
+        QTest::newRow("another picture") << orientedJpeg(firstOrientation, {16, 16});
+        QTest::newRow("half a picture") << orientedJpeg(firstOrientation, {16, 16}).first(200);
+    }
+    void whatFollowsAJpegDoesNoHarm()
+    {
+        QFETCH(QByteArray, more);
+        const QByteArray jpeg = orientedJpeg(firstOrientation, {40, 30});
+        const auto picture = readPicture(write(u"a.jpg"_s, jpeg + more));
+        QVERIFY(picture);
+        QCOMPARE(quarters(picture->image), uprightQuarters);
     }
 
     void aMissingFileIsNotFound()

@@ -1,5 +1,6 @@
 #include "desktop/systemdesktoppicture.h"
 
+#include "errorof.h"
 #include "fakexfce.h"
 
 #include <QCoroTask>
@@ -19,11 +20,6 @@ using desktop::SetResult;
 using desktop::SystemDesktopPicture;
 
 namespace {
-
-QString errorOf(const SetResult &result)
-{
-    return result ? u"no error"_s : result.error();
-}
 
 } // namespace
 

@@ -1,8 +1,10 @@
 #include "desktop/x11rootdesktop.h"
+
 #include "desktop/systemdesktoppicture.h"
 #include "desktop/x11display.h"
-
+#include "errorof.h"
 #include "onscreen.h"
+#include "testlibs/orientedjpeg.h"
 
 #include <QCoroTask>
 #include <QPainter>
@@ -29,11 +31,6 @@ bool xrandr(const QStringList &arguments)
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process.start(u"xrandr"_s, arguments);
     return process.waitForFinished() && process.exitCode() == 0;
-}
-
-QString errorOf(const SetResult &result)
-{
-    return result ? u"no error"_s : result.error();
 }
 
 SetResult set(const QString &file, const Screen &screen)
@@ -90,12 +87,7 @@ class X11RootDesktopTest : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_folder;
-
-    QString picture(const QString &name, QColor colour)
-    {
-        return oneColourPicture(m_folder.filePath(name + u".png"_s), colour);
-    }
+    PictureFolder m_folder;
 
 private Q_SLOTS:
     void initTestCase()
@@ -107,8 +99,10 @@ private Q_SLOTS:
 
     void init()
     {
-        QCOMPARE(errorOf(set(picture(u"grey"_s, Qt::gray), leftScreen)), u"no error"_s);
-        QCOMPARE(errorOf(set(picture(u"grey"_s, Qt::gray), rightScreen)), u"no error"_s);
+        QCOMPARE(
+            errorOf(set(m_folder.picture(u"grey.png"_s, Qt::gray), leftScreen)), u"no error"_s);
+        QCOMPARE(
+            errorOf(set(m_folder.picture(u"grey.png"_s, Qt::gray), rightScreen)), u"no error"_s);
     }
 
     void theMainScreenIsThePrimaryOne()
@@ -130,7 +124,7 @@ private Q_SLOTS:
 
     void onlyTheGivenScreenChanges()
     {
-        QCOMPARE(errorOf(set(picture(u"red"_s, Qt::red), rightScreen)), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red), rightScreen)), u"no error"_s);
         for (const QPoint corner : {QPoint(800, 0), QPoint(1599, 0), QPoint(800, 599),
                  QPoint(1599, 599), QPoint(1200, 300)}) {
             QCOMPARE(seenAt(corner.x(), corner.y()), QColor(Qt::red));
@@ -138,7 +132,8 @@ private Q_SLOTS:
         QCOMPARE(seenAt(0, 0), QColor(Qt::gray));
         QCOMPARE(seenAt(799, 599), QColor(Qt::gray));
 
-        QCOMPARE(errorOf(set(picture(u"green"_s, Qt::green), leftScreen)), u"no error"_s);
+        QCOMPARE(
+            errorOf(set(m_folder.picture(u"green.png"_s, Qt::green), leftScreen)), u"no error"_s);
         QCOMPARE(seenAt(0, 0), QColor(Qt::green));
         QCOMPARE(seenAt(799, 599), QColor(Qt::green));
         QCOMPARE(seenAt(800, 0), QColor(Qt::red));
@@ -151,7 +146,7 @@ private Q_SLOTS:
             xcb_delete_property(display->connection(), display->root(), display->atom(name));
         }
         QVERIFY(answers(*display));
-        QCOMPARE(errorOf(set(picture(u"red"_s, Qt::red), rightScreen)), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red), rightScreen)), u"no error"_s);
         QCOMPARE(seenAt(400, 300), QColor(Qt::black));
         QCOMPARE(seenAt(1200, 300), QColor(Qt::red));
     }
@@ -190,9 +185,20 @@ private Q_SLOTS:
         }
     }
 
+    void aPictureIsTurnedTheRightWayUp_data() { testlibs::addOrientations(); }
+    void aPictureIsTurnedTheRightWayUp()
+    {
+        QFETCH(int, orientation);
+        const QString file = testlibs::putOrientedJpeg(
+            m_folder.filePath(u"turned.jpg"_s), orientation, {160, 120});
+        QCOMPARE(errorOf(set(file, leftScreen)), u"no error"_s);
+        QCOMPARE(
+            testlibs::quarters(screenshot().copy(leftScreen.geometry)), testlibs::uprightQuarters);
+    }
+
     void transparentPartsAreBlack()
     {
-        const QString file = oneColourPicture(m_folder.filePath(u"red.png"_s), Qt::red);
+        const QString file = m_folder.picture(u"red.png"_s, Qt::red);
         QImage image = QImage(file).convertToFormat(QImage::Format_ARGB32);
         image.fill(QColor(255, 255, 255, 0));
         QVERIFY(image.save(file));
@@ -203,7 +209,7 @@ private Q_SLOTS:
     void everyFormatIsPainted()
     {
         for (const QString &name : {u"red.webp"_s, u"red.jpg"_s, u"red.png"_s}) {
-            const QString file = oneColourPicture(m_folder.filePath(name), QColor(254, 0, 0));
+            const QString file = m_folder.picture(name, QColor(254, 0, 0));
             init();
             QCOMPARE(errorOf(set(file, leftScreen)), u"no error"_s);
             QVERIFY(seenAt(400, 300).red() > 240 && seenAt(400, 300).blue() < 15);
@@ -216,7 +222,7 @@ private Q_SLOTS:
         const std::vector<uint32_t> before = rootPicture(*display, "_XROOTPMAP_ID");
         QCOMPARE(before.size(), size_t(1));
         QVERIFY(exists(*display, before.front()));
-        QCOMPARE(errorOf(set(picture(u"red"_s, Qt::red), leftScreen)), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red), leftScreen)), u"no error"_s);
         QVERIFY(!exists(*display, before.front()));
         QCOMPARE(rootPicture(*display, "_XROOTPMAP_ID"), rootPicture(*display, "ESETROOT_PMAP_ID"));
     }
@@ -229,7 +235,7 @@ private Q_SLOTS:
             other->connection(), other->screen().root_depth, pixmap, other->root(), 10, 10);
         nameRootPicture(*other, "_XROOTPMAP_ID", pixmap);
         QVERIFY(answers(*other));
-        QCOMPARE(errorOf(set(picture(u"red"_s, Qt::red), leftScreen)), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red), leftScreen)), u"no error"_s);
         QVERIFY(answers(*other));
     }
 
@@ -240,7 +246,7 @@ private Q_SLOTS:
         nameRootPicture(*other, "_XROOTPMAP_ID", window);
         nameRootPicture(*other, "ESETROOT_PMAP_ID", window);
         QVERIFY(answers(*other));
-        QCOMPARE(errorOf(set(picture(u"red"_s, Qt::red), leftScreen)), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red), leftScreen)), u"no error"_s);
         QVERIFY(answers(*other));
         QVERIFY(exists(*other, window));
     }
@@ -251,7 +257,7 @@ private Q_SLOTS:
         const xcb_window_t window = makeWindow(*other);
         makeDesktop(*other, window);
         QVERIFY(answers(*other));
-        const QString file = picture(u"red"_s, Qt::red);
+        const QString file = m_folder.picture(u"red.png"_s, Qt::red);
 
         QCOMPARE(errorOf(set(file, leftScreen)), u"this desktop is not supported"_s);
         QCOMPARE(seenAt(400, 300), QColor(Qt::gray));
@@ -280,7 +286,8 @@ private Q_SLOTS:
 
     void aScreenThatIsNoLongerThereIsAnError()
     {
-        QCOMPARE(errorOf(set(picture(u"red"_s, Qt::red), {u"gone"_s, {1600, 0, 800, 600}})),
+        QCOMPARE(
+            errorOf(set(m_folder.picture(u"red.png"_s, Qt::red), {u"gone"_s, {1600, 0, 800, 600}})),
             u"The screen is no longer there"_s);
         QCOMPARE(seenAt(400, 300), QColor(Qt::gray));
         QCOMPARE(seenAt(1200, 300), QColor(Qt::gray));
@@ -303,8 +310,8 @@ private Q_SLOTS:
     {
         SystemDesktopPicture desktopPicture;
         // Small ones, so that most of the time goes into the change itself.
-        const QString red = oneColourPicture(m_folder.filePath(u"1.png"_s), Qt::red, {4, 3});
-        const QString green = oneColourPicture(m_folder.filePath(u"2.png"_s), Qt::green, {4, 3});
+        const QString red = m_folder.picture(u"1.png"_s, Qt::red, {4, 3});
+        const QString green = m_folder.picture(u"2.png"_s, Qt::green, {4, 3});
         for (int round = 0; round < 20; ++round) {
             const bool swapped = round % 2 == 1;
             auto left = desktopPicture.setPicture(swapped ? green : red, leftScreen);

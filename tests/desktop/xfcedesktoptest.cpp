@@ -1,5 +1,6 @@
 #include "desktop/xfcedesktop.h"
 
+#include "errorof.h"
 #include "fakexfce.h"
 
 #include <QCoroTask>
@@ -37,11 +38,6 @@ SetResult set()
 {
     XfceDesktop xfce(QDBusConnection::sessionBus());
     return QCoro::waitFor(xfce.setPicture(Picture{file, "png"_ba, {}}, mainScreen));
-}
-
-QString errorOf(const SetResult &result)
-{
-    return result ? u"no error"_s : result.error();
 }
 
 } // namespace

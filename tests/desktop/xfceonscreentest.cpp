@@ -1,6 +1,8 @@
 #include "desktop/systemdesktoppicture.h"
 
+#include "errorof.h"
 #include "onscreen.h"
+#include "testlibs/orientedjpeg.h"
 
 #include <QCoroTask>
 #include <QDBusConnection>
@@ -22,11 +24,6 @@ using desktop::SystemDesktopPicture;
 namespace {
 
 const QString painterName = u"org.xfce.xfdesktop"_s;
-
-QString errorOf(const SetResult &result)
-{
-    return result ? u"no error"_s : result.error();
-}
 
 SetResult set(const QString &file)
 {
@@ -74,14 +71,10 @@ class XfceOnScreenTest : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_folder;
+    PictureFolder m_folder;
     QProcess m_windowManager;
     QProcess m_painter;
 
-    QString picture(const QString &name, QColor colour)
-    {
-        return oneColourPicture(m_folder.filePath(name), colour);
-    }
     static void run(QProcess &process, const QString &program, const QStringList &arguments = {})
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -120,30 +113,43 @@ private Q_SLOTS:
 
     void onePictureAfterTheOtherIsSeen()
     {
-        QCOMPARE(errorOf(set(picture(u"red #1 ü.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red #1 ü.png"_s, Qt::red))), u"no error"_s);
         QTRY_COMPARE(seenAt(700, 400), QColor(Qt::red));
-        QCOMPARE(errorOf(set(picture(u"green.jpg"_s, Qt::green))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"green.jpg"_s, Qt::green))), u"no error"_s);
         QTRY_VERIFY(seenAt(700, 400).green() > 240 && seenAt(700, 400).red() < 15);
     }
 
     void aWebPIsSeenThoughThePainterMayKnowNone()
     {
-        const QString blue = picture(u"blue.webp"_s, Qt::blue);
+        const QString blue = m_folder.picture(u"blue.webp"_s, Qt::blue);
         QCOMPARE(errorOf(set(blue)), u"no error"_s);
         QTRY_VERIFY(seenAt(700, 400).blue() > 240 && seenAt(700, 400).red() < 15);
+    }
+
+    void aPictureIsSeenTheRightWayUp_data() { testlibs::addOrientations(); }
+    void aPictureIsSeenTheRightWayUp()
+    {
+        QFETCH(int, orientation);
+        const QString name = u"turned%1.jpg"_s.arg(orientation);
+        const QString file
+            = testlibs::putOrientedJpeg(m_folder.filePath(name), orientation, {800, 600});
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QTRY_COMPARE(testlibs::quarters(screenshot()), "RRRR"_ba);
+        QCOMPARE(errorOf(set(file)), u"no error"_s);
+        QTRY_COMPARE(testlibs::quarters(screenshot()), testlibs::uprightQuarters);
     }
 
     void aPictureIsSeenWhereNoneWasWanted()
     {
         changeSetting(u"image-style"_s, 0);
         QCOMPARE(setting(u"image-style"_s), 0);
-        QCOMPARE(errorOf(set(picture(u"yellow.png"_s, Qt::yellow))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"yellow.png"_s, Qt::yellow))), u"no error"_s);
         QTRY_COMPARE(seenAt(700, 400), QColor(Qt::yellow));
     }
 
     void whatIsNoPictureChangesNothing()
     {
-        const QString red = picture(u"red.png"_s, Qt::red);
+        const QString red = m_folder.picture(u"red.png"_s, Qt::red);
         QCOMPARE(errorOf(set(red)), u"no error"_s);
         QTRY_COMPARE(seenAt(700, 400), QColor(Qt::red));
 
@@ -160,7 +166,7 @@ private Q_SLOTS:
     void aPainterThatHangsEndsAfterThreeSeconds()
     {
         const QVariant before = setting(u"last-image"_s);
-        const QString file = picture(u"late.png"_s, Qt::cyan);
+        const QString file = m_folder.picture(u"late.png"_s, Qt::cyan);
         QCOMPARE(::kill(pid_t(m_painter.processId()), SIGSTOP), 0);
         QElapsedTimer clock;
         clock.start();
@@ -179,12 +185,12 @@ private Q_SLOTS:
     {
         end(m_painter);
         QTRY_VERIFY(!isPainterOnBus());
-        QTRY_COMPARE(errorOf(set(picture(u"magenta.png"_s, Qt::magenta))), u"no error"_s);
+        QTRY_COMPARE(errorOf(set(m_folder.picture(u"magenta.png"_s, Qt::magenta))), u"no error"_s);
         QTRY_COMPARE(seenAt(700, 400), QColor(Qt::magenta));
 
         run(m_painter, u"xfdesktop"_s);
         QTRY_VERIFY_WITH_TIMEOUT(isPainterOnBus(), 20000);
-        QCOMPARE(errorOf(set(picture(u"green.png"_s, Qt::green))), u"no error"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"green.png"_s, Qt::green))), u"no error"_s);
         QTRY_COMPARE(seenAt(700, 400), QColor(Qt::green));
     }
 };

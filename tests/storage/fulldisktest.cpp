@@ -37,6 +37,15 @@ private:
 
 namespace {
 
+/// A home on a disk of its own, with the folders that an earlier start would have left.
+class HomeOnTinyDisk : public TinyDisk, public Home
+{
+public:
+    HomeOnTinyDisk() : Home(TinyDisk::path()) { makeFolders(); }
+
+    using Home::path;
+};
+
 void addMatrix()
 {
     QTest::addColumn<int>("freePages");
@@ -69,13 +78,10 @@ void FullDiskTest::theKeyFileIsOldOrNewAndNewWhereItFits()
 {
     QFETCH(const int, freePages);
     QFETCH(const int, size);
-    const TinyDisk disk;
-    QVERIFY(disk.isMounted());
-    const Home home(disk.path());
-    home.makeFolders();
+    const HomeOnTinyDisk home;
     const QByteArray before = R"({"grok":"k"})";
     QVERIFY(put(home.keyFile(), before));
-    QVERIFY(disk.leaveFree(freePages));
+    QVERIFY(home.leaveFree(freePages));
     Keychain::save(QString(size, u'x'), u"openai"_s);
     const QByteArray after = R"({"grok":"k","openai":")" + QByteArray(size, 'x') + R"("})";
     QCOMPARE(contents(home.keyFile()), fits(after.size(), freePages) ? after : before);
@@ -92,11 +98,8 @@ void FullDiskTest::aPictureIsWholeOrAbsent()
 {
     QFETCH(const int, freePages);
     QFETCH(const int, size);
-    const TinyDisk disk;
-    QVERIFY(disk.isMounted());
-    const Home home(disk.path());
-    home.makeFolders();
-    QVERIFY(disk.leaveFree(freePages));
+    const HomeOnTinyDisk home;
+    QVERIFY(home.leaveFree(freePages));
     const QByteArray bytes(size, 'x');
     const std::optional<QUrl> url = ImageStore::save(bytes, u"png"_s);
     QCOMPARE(url.has_value(), fits(size, freePages));
@@ -108,50 +111,41 @@ void FullDiskTest::aPictureIsWholeOrAbsent()
 
 void FullDiskTest::theFirstKeyIsWholeOrAbsent()
 {
-    const TinyDisk disk;
-    QVERIFY(disk.isMounted());
-    const Home home(disk.path());
-    home.makeFolders();
-    QVERIFY(disk.leaveFree(0));
+    const HomeOnTinyDisk home;
+    QVERIFY(home.leaveFree(0));
     Keychain::save(u"canary-key"_s, u"gemini"_s);
     QCOMPARE(entries(home.keyFolder()), QStringList());
-    QVERIFY(disk.leaveFree(1));
+    QVERIFY(home.leaveFree(1));
     Keychain::save(u"canary-key"_s, u"gemini"_s);
     QCOMPARE(contents(home.keyFile()), R"({"gemini":"canary-key"})");
 }
 
 void FullDiskTest::aRemovedKeyStaysRatherThanTakingTheOthersAlong()
 {
-    const TinyDisk disk;
-    QVERIFY(disk.isMounted());
-    const Home home(disk.path());
-    home.makeFolders();
+    const HomeOnTinyDisk home;
     const QByteArray before = R"({"gemini":"k1","grok":"k2"})";
     QVERIFY(put(home.keyFile(), before));
-    QVERIFY(disk.leaveFree(0));
+    QVERIFY(home.leaveFree(0));
     Keychain::remove(u"gemini"_s);
     QCOMPARE(contents(home.keyFile()), before);
-    QVERIFY(disk.leaveFree(1));
+    QVERIFY(home.leaveFree(1));
     Keychain::remove(u"gemini"_s);
     QCOMPARE(contents(home.keyFile()), R"({"grok":"k2"})");
 }
 
 void FullDiskTest::aLegacyKeyIsNeverLost()
 {
-    const TinyDisk disk;
-    QVERIFY(disk.isMounted());
-    const Home home(disk.path());
-    home.makeFolders();
+    const HomeOnTinyDisk home;
     const QByteArray before = R"({"openai":"of the file"})";
     QVERIFY(put(home.keyFile(), before));
-    QVERIFY(disk.leaveFree(0));
+    QVERIFY(home.leaveFree(0));
     FakeKeychainItems ring;
     ring.items = {{u"gemini-api-key"_s, "k1"}, {u"grok-api-key"_s, "k2"},
         {u"openai-api-key"_s, "of the key ring"}};
     Keychain::migrateLegacyKey(ring);
     QCOMPARE(contents(home.keyFile()), before);
     QCOMPARE(ring.items.keys(), QStringList({u"gemini-api-key"_s, u"grok-api-key"_s}));
-    QVERIFY(disk.leaveFree(1));
+    QVERIFY(home.leaveFree(1));
     Keychain::migrateLegacyKey(ring);
     QCOMPARE(contents(home.keyFile()), R"({"gemini":"k1","grok":"k2","openai":"of the file"})");
     QVERIFY(ring.items.isEmpty());
@@ -159,26 +153,20 @@ void FullDiskTest::aLegacyKeyIsNeverLost()
 
 void FullDiskTest::whatAKillLeftBehindMakesRoom()
 {
-    const TinyDisk disk;
-    QVERIFY(disk.isMounted());
-    const Home home(disk.path());
-    home.makeFolders();
+    const HomeOnTinyDisk home;
     QVERIFY(put(home.pictures() + "/.plenaura-unfinished-AbCdEf"_L1, QByteArray(20'000, 'x')));
-    QVERIFY(disk.leaveFree(0));
+    QVERIFY(home.leaveFree(0));
     QVERIFY(ImageStore::save(QByteArray(20'000, 'y'), u"png"_s));
     QCOMPARE(entries(home.pictures()).size(), 1);
 }
 
 void FullDiskTest::aReadOnlyHomeIsReadAndNotChanged()
 {
-    const TinyDisk disk;
-    QVERIFY(disk.isMounted());
-    const Home home(disk.path());
-    home.makeFolders();
+    const HomeOnTinyDisk home;
     const QByteArray before = R"({"gemini":"canary-key"})";
     QVERIFY(put(home.keyFile(), before));
     QVERIFY(put(home.pictures() + "/a.png"_L1, "picture"));
-    QVERIFY(disk.makeReadOnly());
+    QVERIFY(home.makeReadOnly());
     QVERIFY(!put(home.path() + "/file"_L1, ""));
 
     Keychain::save(u"k"_s, u"grok"_s);

@@ -77,6 +77,9 @@ int TinyDisk::pageSize()
 
 bool TinyDisk::leaveFree(int pages) const
 {
+    if (!m_isMounted) {
+        return false; // Anything else would fill the disk that the folder lies on.
+    }
     const QByteArray filler = QFile::encodeName(path() + "/filler"_L1);
     const int descriptor = ::open(filler.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     const QByteArray page(pageSize(), 'x');

@@ -16,10 +16,10 @@ public:
     ~TinyDisk();
     Q_DISABLE_COPY_MOVE(TinyDisk)
 
-    bool isMounted() const { return m_isMounted; }
     QString path() const { return m_folder.path(); }
     static int pageSize();
-    /// Fills the disk until exactly so many pages are free; false when that cannot be had.
+    /// Fills the disk until exactly so many pages are free; false when that cannot be had, or when
+    /// there is no such disk.
     bool leaveFree(int pages) const;
     bool makeReadOnly() const;
 

@@ -1,8 +1,11 @@
 #include "ui/picturereader.h"
 
+#include "testlibs/orientedjpeg.h"
+
 #include <QBuffer>
 #include <QFile>
 #include <QImageReader>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -24,13 +27,17 @@ private Q_SLOTS:
     void whatIsTooLargeIsNotShown();
     void aChunkThatSaysToBeLongTakesNoMemory();
     void whatFollowsAPictureDoesNoHarm();
+    void aCutPictureIsNotShown_data();
+    void aCutPictureIsNotShown();
+    void aPictureIsTurnedTheRightWayUp_data();
+    void aPictureIsTurnedTheRightWayUp();
     void aPipeIsNotWaitedFor();
 
 private:
-    QImage read(const QString &name) const
+    QImage read(const QString &name, ui::Framing framing = ui::Framing::Fit) const
     {
         const std::atomic_bool stopped = false;
-        return ui::readPicture(m_folder.filePath(name), {64, 40}, ui::Framing::Fit, stopped);
+        return ui::readPicture(m_folder.filePath(name), {64, 40}, framing, stopped);
     }
     void put(const QString &name, const QByteArray &bytes) const
     {
@@ -141,6 +148,58 @@ void PictureReaderTest::whatFollowsAPictureDoesNoHarm()
 {
     put(u"a.png"_s, encoded({32, 20}, "png") + "something else");
     QCOMPARE(read(u"a.png"_s).size(), QSize(32, 20));
+}
+
+void PictureReaderTest::aCutPictureIsNotShown_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("PNG") << encoded({32, 20}, "png");
+    QTest::newRow("WebP") << encoded({32, 20}, "webp");
+    QTest::newRow("JPEG") << testlibs::orientedJpeg(testlibs::firstOrientation, {32, 20});
+}
+
+void PictureReaderTest::aCutPictureIsNotShown()
+{
+    QFETCH(const QByteArray, bytes);
+    put(u"cut"_s, bytes);
+    const QImage whole = read(u"cut"_s);
+    QCOMPARE(whole.size(), QSize(32, 20));
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    for (qsizetype size = bytes.size() - 1; size > 0; --size) {
+        QVERIFY(QFile::resize(m_folder.filePath(u"cut"_s), size));
+        const QImage cut = read(u"cut"_s);
+        QVERIFY2(cut.isNull() || cut == whole, qPrintable(QString::number(size)));
+    }
+}
+
+void PictureReaderTest::aPictureIsTurnedTheRightWayUp_data()
+{
+    QTest::addColumn<int>("orientation");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<ui::Framing>("framing");
+    QTest::addColumn<QSize>("shown");
+    for (int orientation = testlibs::firstOrientation; orientation <= testlibs::lastOrientation;
+         ++orientation) {
+        QTest::addRow("EXIF orientation %d, whole", orientation)
+            << orientation << QSize(320, 160) << ui::Framing::Fit << QSize(64, 32);
+        QTest::addRow("EXIF orientation %d, covering", orientation)
+            << orientation << QSize(320, 160) << ui::Framing::Cover << QSize(80, 40);
+        QTest::addRow("EXIF orientation %d, cut to what covers", orientation)
+            << orientation << QSize(160, 640) << ui::Framing::Cover << QSize(64, 80);
+        QTest::addRow("EXIF orientation %d, small", orientation)
+            << orientation << QSize(32, 16) << ui::Framing::Fit << QSize(32, 16);
+    }
+}
+
+void PictureReaderTest::aPictureIsTurnedTheRightWayUp()
+{
+    QFETCH(const int, orientation);
+    QFETCH(const QSize, size);
+    QFETCH(const ui::Framing, framing);
+    put(u"turned.jpg"_s, testlibs::orientedJpeg(orientation, size));
+    const QImage image = read(u"turned.jpg"_s, framing);
+    QTEST(image.size(), "shown");
+    QCOMPARE(testlibs::quarters(image), testlibs::uprightQuarters);
 }
 
 void PictureReaderTest::aPipeIsNotWaitedFor()

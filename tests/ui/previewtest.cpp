@@ -1,5 +1,7 @@
 #include "stage.h"
 
+#include "testlibs/orientedjpeg.h"
+
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
@@ -34,6 +36,8 @@ private Q_SLOTS:
     void setAsWallpaperSetsAndCloses();
     void previewShowsThePictureWhole_data();
     void previewShowsThePictureWhole();
+    void turnedPictureIsShownUpright_data() { testlibs::addOrientations(); }
+    void turnedPictureIsShownUpright();
     void unreadableFileHasNoPreview();
     void previewOfADeletedFileVanishes();
     void resizingKeepsThePreview();
@@ -139,6 +143,18 @@ void PreviewTest::previewShowsThePictureWhole()
     QCOMPARE(colorAt(window, inside.topLeft()), QColor(Qt::green));
     QCOMPARE(colorAt(window, QPointF(inside.right(), inside.top())), QColor(Qt::green));
     QVERIFY(colorAt(window, outside.topLeft()) != QColor(Qt::green));
+}
+
+void PreviewTest::turnedPictureIsShownUpright()
+{
+    QFETCH(int, orientation);
+    Stage stage;
+    const QUrl url = stage.putImage(u"wallpaper.jpg"_s);
+    testlibs::putOrientedJpeg(url.toLocalFile(), orientation, {640, 360});
+    QQuickWindow *window = stage.openMain();
+    QVERIFY(openPreview(window));
+    const QRect room = place(picture(overlay(window))).toRect();
+    QTRY_COMPARE(testlibs::quarters(window->grabWindow().copy(room)), testlibs::uprightQuarters);
 }
 
 void PreviewTest::unreadableFileHasNoPreview()

@@ -205,6 +205,19 @@ bool isReady(QQuickItem *within)
     return picture(within) && picture(within)->status() == Picture::Ready;
 }
 
+QQuickItem *trash(QQuickItem *within)
+{
+    const auto buttons = itemsOfType(within, "PushButton");
+    const auto found = std::find_if(buttons.begin(), buttons.end(),
+        [](const QQuickItem *button) { return button->property("symbol") == u"trash"_s; });
+    return found == buttons.end() ? nullptr : *found;
+}
+
+QQuickItem *picker(QQuickWindow *window)
+{
+    return itemOfType(window->contentItem(), "Picker");
+}
+
 QQuickItem *overlay(QQuickWindow *window)
 {
     return itemOfType(window->contentItem(), "PreviewOverlay");
@@ -258,6 +271,12 @@ void type(QQuickWindow *window, const QString &text)
 QQuickItem *focused(QQuickWindow *window)
 {
     return window->activeFocusItem();
+}
+
+bool showAdvanced(QQuickWindow *window)
+{
+    click(control(window, u"Advanced"_s));
+    return QTest::qWaitFor([&] { return itemOfType(window->contentItem(), "AdvancedTab"); });
 }
 
 } // namespace ui::fakes

@@ -64,6 +64,10 @@ QQuickItem *tile(QQuickWindow *window, const QString &fileName);
 Picture *picture(QQuickItem *within);
 /// Whether the picture within is decoded and shown.
 bool isReady(QQuickItem *within);
+/// The button that deletes what @p within stands for, a picture or a key; null when there is none.
+QQuickItem *trash(QQuickItem *within);
+/// The first visible picker of the window; null when there is none.
+QQuickItem *picker(QQuickWindow *window);
 /// The preview; null while it is not seen.
 QQuickItem *overlay(QQuickWindow *window);
 /// What is seen at @p point, in the window's own coordinates.
@@ -77,5 +81,7 @@ void press(QQuickWindow *window, Qt::Key key, Qt::KeyboardModifiers modifiers = 
 void type(QQuickWindow *window, const QString &text);
 /// The item that has the keyboard.
 QQuickItem *focused(QQuickWindow *window);
+/// Turns to the second tab of the settings; whether it came.
+bool showAdvanced(QQuickWindow *window);
 
 } // namespace ui::fakes

@@ -101,8 +101,7 @@ void WindowsTest::reopenedSettingsStartOnTheirFirstTab()
 {
     Stage stage;
     QQuickWindow *window = stage.openSettings();
-    click(control(window, u"Advanced"_s));
-    QTRY_VERIFY(itemOfType(window->contentItem(), "AdvancedTab"));
+    QVERIFY(showAdvanced(window));
     window->close();
     QVERIFY(!itemOfType(stage.openSettings()->contentItem(), "AdvancedTab"));
 }
