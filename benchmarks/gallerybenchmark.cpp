@@ -1,6 +1,7 @@
 // The main window over a thousand pictures of 3840x2160 pixels.
 
 #include "measure.h"
+#include "photograph.h"
 #include "stage.h"
 #include "storage/imagestore.h"
 #include "ui/picture.h"
@@ -12,8 +13,6 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
-#include <QPainter>
-#include <QRandomGenerator>
 #include <QTest>
 
 #include <time.h>
@@ -65,27 +64,6 @@ private:
     double m_longest = 0;
     int m_depth = 0;
 };
-
-/// Hills in a mist, with the grain of a photograph.
-QImage photograph(int number)
-{
-    QImage image(3840, 2160, QImage::Format_RGB32);
-    QPainter painter(&image);
-    QLinearGradient sky(0, 0, 0, image.height());
-    sky.setColorAt(0, QColor::fromHsv(60 * number, 90, 240));
-    sky.setColorAt(1, QColor::fromHsv(60 * number + 40, 120, 90));
-    painter.fillRect(image.rect(), sky);
-    painter.end();
-    QRandomGenerator random(number);
-    for (int y = 0; y < image.height(); ++y) {
-        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
-        for (int x = 0; x < image.width(); ++x) {
-            const QRgb grain = random.generate() & 0x0f0f0f0fU;
-            line[x] = (line[x] & 0xf0f0f0f0U) | grain | 0xff000000U;
-        }
-    }
-    return image;
-}
 
 /// A few pictures under many names. Only the first of these takes place on the disk.
 class Gallery

@@ -20,6 +20,11 @@ void useFreshMemory();
 /// Seconds that @p work takes, once.
 double seconds(const std::function<void()> &work);
 
+/// Seconds of processor that all threads of this program take for @p work, and seconds in which it
+/// waits for the disk to have written what it wrote. Other programs' share of the machine is not in
+/// it, nor what @p work waits for their answers.
+double ownSeconds(const std::function<void()> &work);
+
 /// Seconds to copy an image into fresh memory, once: the unit "C".
 double copySeconds();
 
@@ -35,6 +40,9 @@ double peakInImages(const std::function<void()> &work);
 double residentMegabytes();
 
 double median(QList<double> values);
+
+/// Prints one line that has no budget.
+void tell(const char *what, double measured);
 
 /// Prints one line and notes whether the budget is met.
 void expectAtMost(const char *what, double measured, double budget);

@@ -1,6 +1,5 @@
 #include "desktop/choosedesktop.h"
 
-#include "desktop/buscall.h"
 #include "desktop/gsettingsdesktop.h"
 #include "desktop/lxqtdesktop.h"
 #include "desktop/plasmadesktop.h"
@@ -24,6 +23,8 @@
 namespace desktop {
 
 using namespace Qt::StringLiterals;
+using std::chrono::duration_cast;
+using std::chrono::milliseconds;
 
 namespace {
 
@@ -97,8 +98,10 @@ QCoro::Task<Painting> lookAround(QDBusConnection bus)
     const QFuture<QString> swaySocket = onWorkerThread(SwayDesktop::liveSocket);
     painting.swaySocket = co_await swaySocket;
     if (painting.busNames.contains(lxqtFileManager)) {
+        const QDeadlineTimer all(answerTime);
         painting.isFileManagerPainting
             = co_await LxqtDesktop::paints(bus, QDeadlineTimer(answerTime / 3));
+        painting.fileManagersTime = duration_cast<milliseconds>(all.remainingTimeAsDuration());
     }
     // A painter is enough to know. When it hangs, what it shows the screen with hangs, too, and
     // asking that would take up the time.
@@ -113,6 +116,15 @@ QCoro::Task<Painting> lookAround(QDBusConnection bus)
         painting.isRootVisible = co_await seen;
     }
     co_return painting;
+}
+
+QStringList painterNames()
+{
+    QStringList names;
+    for (const Painter &painter : painters) {
+        names.append(painter.busName);
+    }
+    return names;
 }
 
 DesktopKind chooseDesktop(const Painting &painting)
@@ -156,7 +168,7 @@ std::unique_ptr<Backend> makeBackend(DesktopKind kind, const Painting &painting,
         return std::make_unique<GSettingsDesktop>(
             bus, painterOf(painting, kind), BackgroundKeys::mate());
     case DesktopKind::Lxqt:
-        return std::make_unique<LxqtDesktop>(bus);
+        return std::make_unique<LxqtDesktop>(bus, painting.fileManagersTime);
     case DesktopKind::Gnome:
         return std::make_unique<GSettingsDesktop>(
             bus, painterOf(painting, kind), BackgroundKeys::gnome());

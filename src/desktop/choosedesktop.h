@@ -1,6 +1,7 @@
 #pragma once
 
 #include "desktop/backend.h"
+#include "desktop/buscall.h"
 
 #include <QDBusConnection>
 #include <QStringList>
@@ -17,6 +18,8 @@ struct Painting
 {
     QStringList busNames = {}; ///< Those that have an owner.
     bool isFileManagerPainting = false; ///< LXQt's, which otherwise only shows folders.
+    /// What it has left of the time for its answers, after it was asked that.
+    std::chrono::milliseconds fileManagersTime = answerTime;
     bool isRootVisible = false; ///< The X11 root window, with no window over it as the desktop.
     QString swaySocket = {}; ///< Path of the socket of a sway that runs; else empty.
     bool needsPortal = false; ///< In a sandbox, where GNOME's settings are out of reach.
@@ -39,6 +42,9 @@ enum class DesktopKind {
 
 /// Looks around. A bus that does not answer in time has no names, and a compositor offers nothing.
 QCoro::Task<Painting> lookAround(QDBusConnection bus);
+
+/// The names on the bus of all painters there are.
+QStringList painterNames();
 
 /// The one place where the way of setting the picture is decided.
 DesktopKind chooseDesktop(const Painting &painting);

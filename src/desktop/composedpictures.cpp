@@ -14,13 +14,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Large and made again for each picture: the time it takes counts for more than its size.
-constexpr int quickCompression = 80;
+// Not compressed: it is made again for each picture, a person waits for it, and compressing takes
+// longer than all the rest.
+constexpr auto format = "bmp";
 
 QString newName()
 {
     static std::atomic_int count = 0;
-    return u"composed_%1_%2.png"_s.arg(QDateTime::currentMSecsSinceEpoch()).arg(++count);
+    return u"composed_%1_%2.bmp"_s.arg(QDateTime::currentMSecsSinceEpoch()).arg(++count);
 }
 
 } // namespace
@@ -34,19 +35,21 @@ ComposedPictures::ComposedPictures(const QString &desktop)
 tl::expected<QString, QString> ComposedPictures::save(const QImage &image) const
 {
     m_folder.mkpath(u"."_s);
-    QSaveFile file(m_folder.filePath(newName()));
-    if (file.open(QIODevice::WriteOnly) && image.save(&file, "PNG", quickCompression)
-        && file.commit()) {
+    // The desktop reads it at once, from memory: nobody waits for the disk to have it, too.
+    QFile file(m_folder.filePath(newName()));
+    if (file.open(QIODevice::WriteOnly) && image.save(&file, format) && file.flush()
+        && file.error() == QFile::NoError) {
         return file.fileName();
     }
-    return tl::make_unexpected(
-        u"The picture of all screens cannot be saved: "_s + file.errorString());
+    const QString reason = file.errorString();
+    file.remove();
+    return tl::make_unexpected(u"The picture of all screens cannot be saved: "_s + reason);
 }
 
 QStringList ComposedPictures::files() const
 {
     QStringList found;
-    for (const QFileInfo &file : m_folder.entryInfoList({u"composed_*.png"_s}, QDir::Files)) {
+    for (const QFileInfo &file : m_folder.entryInfoList({u"composed_*"_s}, QDir::Files)) {
         found.append(file.absoluteFilePath());
     }
     return found;

@@ -64,14 +64,59 @@ bool isLost(const Shown &shown, Images &images)
     return !shown.file.isEmpty() && images.image(shown.file).isNull();
 }
 
-void replaceIfLost(ShowingScreen &each, const Arrangement &present, Images &images)
+/// What the file of @p present shows on the screen; nothing where it does not tell the screens
+/// apart.
+std::optional<Shown> shownInFile(const ShowingScreen &each, const Arrangement &present)
 {
     const ShowingScreen *before = present.isSpanning ? present.find(each.screen.name) : nullptr;
-    if (before != nullptr && before->isAttached() && isLost(each.shown, images)) {
-        each.shown.file = present.file;
-        each.shown.area = areaOfAll(present.attachedScreens(), before->screen);
-        each.shown.placement = Placement::Stretch;
+    if (before == nullptr || !before->isAttached()) {
+        return {};
     }
+    return Shown{present.file, areaOfAll(present.attachedScreens(), before->screen),
+        Placement::Stretch, each.shown.background};
+}
+
+bool overlapsOthers(const Screen &screen, const Arrangement &arrangement)
+{
+    return std::any_of(
+        arrangement.screens.begin(), arrangement.screens.end(), [&](const ShowingScreen &other) {
+            return other.screen.name != screen.name
+                && other.screen.geometry.intersects(screen.geometry);
+        });
+}
+
+QSize sizeOfAll(const Arrangement &arrangement)
+{
+    QRect all;
+    for (const Screen &screen : arrangement.attachedScreens()) {
+        all |= screen.geometry;
+    }
+    return all.size();
+}
+
+/// Whether the screen stays as it is, pixel for pixel.
+bool isDrawnAlready(const ShowingScreen &each, const Arrangement &present, Images &images)
+{
+    const ShowingScreen *before = present.isSpanning ? present.find(each.screen.name) : nullptr;
+    return before != nullptr && *before == each && !overlapsOthers(each.screen, present)
+        && images.image(present.file).size() == sizeOfAll(present);
+}
+
+void replaceIfLost(ShowingScreen &each, const Arrangement &present, Images &images)
+{
+    const std::optional<Shown> seen = shownInFile(each, present);
+    if (seen && !isDrawnAlready(each, present, images) && isLost(each.shown, images)) {
+        each.shown = *seen;
+    }
+}
+
+/// What was composed for a screen that stays as it is is sooner read than its picture, which would
+/// have to be scaled again.
+ShowingScreen soonestRead(const ShowingScreen &each, const Arrangement &present, Images &images)
+{
+    return isDrawnAlready(each, present, images)
+        ? ShowingScreen{each.screen, *shownInFile(each, present)}
+        : each;
 }
 
 Part partOf(const ShowingScreen &each, Images &images)
@@ -84,14 +129,15 @@ Part partOf(const ShowingScreen &each, Images &images)
         each.shown.placement, each.shown.background};
 }
 
-QImage composedImage(const Arrangement &wanted, Images &images)
+QImage composedImage(const Arrangement &wanted, const Arrangement &present, Images &images)
 {
     QList<Part> parts;
     for (const ShowingScreen &each : wanted.screens) {
         if (each.isAttached()) {
             // What lies in the same place as the main screen mirrors it.
             const bool isMain = each.screen.name == wanted.mainScreen;
-            parts.insert(isMain ? parts.size() : 0, partOf(each, images));
+            parts.insert(
+                isMain ? parts.size() : 0, partOf(soonestRead(each, present, images), images));
         }
     }
     return compose(parts);
@@ -113,7 +159,7 @@ tl::expected<Arrangement, QString> drawn(const Arrangement &wanted, const Arrang
     for (ShowingScreen &each : done.screens) {
         replaceIfLost(each, present, images);
     }
-    return pictures.save(composedImage(done, images)).map([&](const QString &file) {
+    return pictures.save(composedImage(done, present, images)).map([&](const QString &file) {
         done.file = file;
         return done;
     });

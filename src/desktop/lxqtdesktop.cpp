@@ -69,7 +69,10 @@ bool paintsEachScreenByItself()
 
 } // namespace
 
-LxqtDesktop::LxqtDesktop(QDBusConnection bus) : OnePictureDesktop(std::move(bus), u"lxqt"_s) { }
+LxqtDesktop::LxqtDesktop(QDBusConnection bus, std::chrono::milliseconds timeForAnswers)
+    : OnePictureDesktop(std::move(bus), u"lxqt"_s, timeForAnswers)
+{
+}
 
 QCoro::Task<bool> LxqtDesktop::paints(QDBusConnection bus, QDeadlineTimer deadline)
 {

@@ -8,7 +8,9 @@ namespace desktop {
 class LxqtDesktop : public OnePictureDesktop
 {
 public:
-    explicit LxqtDesktop(QDBusConnection bus);
+    /// The file manager has @p timeForAnswers, which is less when it was asked something before.
+    explicit LxqtDesktop(
+        QDBusConnection bus, std::chrono::milliseconds timeForAnswers = answerTime);
 
     /// Whether the file manager on the bus paints the desktop at all; it must be running.
     static QCoro::Task<bool> paints(QDBusConnection bus, QDeadlineTimer deadline);

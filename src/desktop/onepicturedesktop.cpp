@@ -1,6 +1,5 @@
 #include "desktop/onepicturedesktop.h"
 
-#include "desktop/buscall.h"
 #include "desktop/drawnarrangement.h"
 #include "desktop/screenlayout.h"
 #include "desktop/workerthread.h"
@@ -37,8 +36,9 @@ bool isNeeded(const QString &file, const Arrangement &shown)
 
 } // namespace
 
-OnePictureDesktop::OnePictureDesktop(QDBusConnection bus, const QString &name)
-    : m_bus(std::move(bus)), m_pictures(name)
+OnePictureDesktop::OnePictureDesktop(
+    QDBusConnection bus, const QString &name, std::chrono::milliseconds timeForAnswers)
+    : m_bus(std::move(bus)), m_pictures(name), m_timeForAnswers(timeForAnswers)
 {
 }
 
@@ -76,7 +76,7 @@ QCoro::Task<SetResult> OnePictureDesktop::followScreens()
 
 QCoro::Task<tl::expected<OnePictureDesktop::Present, QString>> OnePictureDesktop::lookAtPresent()
 {
-    m_deadline.setRemainingTime(answerTime);
+    m_deadline.setRemainingTime(m_timeForAnswers);
     const QList<Screen> screens = co_await screenLayout(m_bus, m_deadline);
     const tl::expected<Setting, QString> present = co_await setting();
     if (!present) {

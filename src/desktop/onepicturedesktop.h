@@ -2,6 +2,7 @@
 
 #include "desktop/arrangement.h"
 #include "desktop/backend.h"
+#include "desktop/buscall.h"
 #include "desktop/composedpictures.h"
 
 #include <QDBusConnection>
@@ -21,7 +22,8 @@ public:
 
 protected:
     /// @p name tells this desktop's composed pictures from those of others.
-    OnePictureDesktop(QDBusConnection bus, const QString &name);
+    OnePictureDesktop(QDBusConnection bus, const QString &name,
+        std::chrono::milliseconds timeForAnswers = answerTime);
 
     /// What the desktop is set to.
     virtual QCoro::Task<tl::expected<Setting, QString>> setting() = 0;
@@ -50,6 +52,7 @@ private:
 
     const QDBusConnection m_bus;
     const ComposedPictures m_pictures;
+    const std::chrono::milliseconds m_timeForAnswers;
     QDeadlineTimer m_deadline;
 };
 

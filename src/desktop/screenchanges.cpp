@@ -7,8 +7,14 @@ namespace desktop {
 
 using namespace std::chrono_literals;
 
-ScreenChanges::ScreenChanges(QObject *parent) : QObject(parent)
+ScreenChanges::ScreenChanges(QDBusConnection bus, const QStringList &painters, QObject *parent)
+    : QObject(parent)
 {
+    m_painters.setConnection(bus);
+    m_painters.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
+    m_painters.setWatchedServices(painters);
+    connect(
+        &m_painters, &QDBusServiceWatcher::serviceRegistered, &m_calm, qOverload<>(&QTimer::start));
     // Plugging in one screen makes several changes, some of them a while later.
     m_calm.setInterval(1s);
     m_calm.setSingleShot(true);

@@ -1,21 +1,27 @@
 #pragma once
 
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
 #include <QObject>
+#include <QStringList>
 #include <QTimer>
 
 class QScreen;
 
 namespace desktop {
 
-/// Tells when screens came, went, moved or changed their size, and the painter of the desktop has
-/// had time to notice. Main thread only.
+/// Tells when screens came, went, moved or changed their size, or somebody came who paints them,
+/// and the painter of the desktop has had time to notice. Main thread only.
 class ScreenChanges : public QObject
 {
     Q_OBJECT
 
 public:
     /// Tells it once at the beginning, too: what happened before the program started is not known.
-    explicit ScreenChanges(QObject *parent = nullptr);
+    /// What happened before a painter came, such as after the login, is made up for when its name
+    /// appears among @p painters on the @p bus.
+    explicit ScreenChanges(
+        QDBusConnection bus, const QStringList &painters, QObject *parent = nullptr);
 
 Q_SIGNALS:
     void settled();
@@ -23,6 +29,7 @@ Q_SIGNALS:
 private:
     void watch(const QScreen *screen);
 
+    QDBusServiceWatcher m_painters;
     QTimer m_calm;
 };
 

@@ -1,6 +1,7 @@
 #include "desktop/screenlayout.h"
 
 #include "desktop/buscall.h"
+#include "desktop/gnomedisplays.h"
 #include "desktop/x11display.h"
 
 #include <QDBusArgument>
@@ -12,15 +13,6 @@ namespace desktop {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QDBusMessage displayStateCall()
-{
-    QDBusMessage call = QDBusMessage::createMethodCall(u"org.gnome.Mutter.DisplayConfig"_s,
-        u"/org/gnome/Mutter/DisplayConfig"_s, u"org.gnome.Mutter.DisplayConfig"_s,
-        u"GetCurrentState"_s);
-    call.setAutoStartService(false);
-    return call;
-}
 
 // GNOME can do both, and Qt reports places and sizes as the desktop counts them.
 QCoro::Task<bool> countsDevicePixels(QDBusConnection bus, QDeadlineTimer deadline)

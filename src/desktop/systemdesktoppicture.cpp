@@ -79,7 +79,8 @@ std::unique_ptr<DesktopPicture> DesktopPicture::system()
 }
 
 SystemDesktopPicture::SystemDesktopPicture(QDBusConnection bus)
-    : m_bus(std::move(bus)), m_processes(std::make_shared<BackgroundProcesses>())
+    : m_bus(std::move(bus)), m_processes(std::make_shared<BackgroundProcesses>()),
+      m_screenChanges(m_bus, painterNames()), m_gnomePrimary(m_bus)
 {
     QObject::connect(&m_screenChanges, &ScreenChanges::settled, &m_screenChanges,
         [this] { followScreens(takeTurn(), m_bus, m_processes); });
@@ -96,13 +97,21 @@ Turn SystemDesktopPicture::takeTurn()
 std::optional<Screen> SystemDesktopPicture::mainScreen() const
 {
     const QWindow *focused = QGuiApplication::focusWindow();
-    const QScreen *screen
-        = focused != nullptr ? focused->screen() : QGuiApplication::primaryScreen();
+    const QScreen *screen = focused != nullptr ? focused->screen() : primaryScreen();
     if (screen == nullptr) {
         return {};
     }
     return QGuiApplication::platformName() == "xcb"_L1 ? screenAsX11HasIt(*screen)
                                                        : screenAsQtHasIt(*screen);
+}
+
+// Under Wayland Qt takes the first of all screens.
+const QScreen *SystemDesktopPicture::primaryScreen() const
+{
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    const auto primary = std::find_if(screens.begin(), screens.end(),
+        [&](const QScreen *screen) { return screen->name() == m_gnomePrimary.name(); });
+    return primary == screens.end() ? QGuiApplication::primaryScreen() : *primary;
 }
 
 QCoro::Task<SetResult> SystemDesktopPicture::setPicture(QString file, Screen screen)

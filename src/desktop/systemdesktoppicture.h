@@ -1,6 +1,7 @@
 #pragma once
 
 #include "desktop/desktoppicture.h"
+#include "desktop/gnomedisplays.h"
 #include "desktop/screenchanges.h"
 
 #include <QDBusConnection>
@@ -8,6 +9,8 @@
 #include <QPromise>
 
 #include <memory>
+
+class QScreen;
 
 namespace desktop {
 
@@ -37,11 +40,13 @@ public:
 
 private:
     Turn takeTurn();
+    const QScreen *primaryScreen() const;
 
     QDBusConnection m_bus;
     std::shared_ptr<BackgroundProcesses> m_processes;
     QFuture<void> m_lastTurn;
     ScreenChanges m_screenChanges;
+    GnomePrimaryScreen m_gnomePrimary;
 };
 
 } // namespace desktop

@@ -138,6 +138,18 @@ private Q_SLOTS:
         }
     }
 
+    void aPictureMadeMuchSmallerIsMadeOfAllItsPixels()
+    {
+        QImage stripes({400, 400}, QImage::Format_RGB32);
+        for (int y = 0; y < 400; ++y) {
+            for (int x = 0; x < 400; ++x) {
+                stripes.setPixelColor(x, y, (x + y) % 2 == 0 ? QColor(200, 100, 0) : Qt::blue);
+            }
+        }
+        const QRect screen(0, 0, 100, 100);
+        QCOMPARE(compose({{screen, screen, stripes}}), oneColour({100, 100}, QColor(100, 50, 128)));
+    }
+
     void tilesBeginAtTheScreensCorner()
     {
         const QRect screen(30, 10, 100, 100);

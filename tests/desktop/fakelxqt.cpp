@@ -1,9 +1,11 @@
 #include "fakelxqt.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDir>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -48,9 +50,15 @@ QVariant FakeLxqt::setting(const QString &name)
 void FakeLxqt::setWallpaper(const QString &file, const QString &mode)
 {
     told.append(mode + u':' + file);
-    if (m_manner == Silent) {
-        setDelayedReply(true);
-    } else if (m_manner == Obliging) {
+    if (m_manner == Obliging || m_manner == Slow) {
         writeSetting(u"Wallpaper"_s, file);
+    }
+    if (m_manner == Silent || m_manner == Slow) {
+        setDelayedReply(true);
+    }
+    if (m_manner == Slow) {
+        constexpr int slowness = 1200;
+        QTimer::singleShot(slowness, this,
+            [reply = message().createReply()] { QDBusConnection(busName).send(reply); });
     }
 }

@@ -17,6 +17,7 @@ public:
         Obliging,
         Forgetful, ///< Says yes to each picture and keeps its own.
         Silent, ///< Never answers.
+        Slow, ///< Answers after more than a second.
     };
 
     explicit FakeLxqt(Manner manner);

@@ -1,12 +1,17 @@
 #include "desktop/lxqtdesktop.h"
 
+#include "desktop/choosedesktop.h"
+#include "desktop/screenchanges.h"
+#include "desktop/systemdesktoppicture.h"
 #include "errorof.h"
 #include "fakelxqt.h"
 #include "onscreen.h"
 #include "twoscreens.h"
 
 #include <QCoroTask>
+#include <QDBusVirtualObject>
 #include <QElapsedTimer>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -43,13 +48,39 @@ QDir composedFolder()
 
 QStringList composedFiles()
 {
-    return composedFolder().entryList({u"*.png"_s}, QDir::Files);
+    return composedFolder().entryList({u"composed_*"_s}, QDir::Files);
 }
 
 QImage shown()
 {
     return QImage(FakeLxqt::setting(u"Wallpaper"_s).toString());
 }
+
+/// As if the right screen had been smaller.
+void rememberOtherScreens()
+{
+    QFile memory(composedFolder().filePath(u"shown.json"_s));
+    QVERIFY(memory.open(QIODevice::ReadWrite));
+    QByteArray text = memory.readAll();
+    QVERIFY(text.contains("100,"));
+    text.replace("100,", "50,");
+    memory.seek(0);
+    memory.resize(0);
+    memory.write(text);
+}
+
+/// Is there, and never answers anything.
+class Mute : public QDBusVirtualObject
+{
+public:
+    using QDBusVirtualObject::QDBusVirtualObject;
+
+    QString introspect(const QString & /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage & /*message*/, const QDBusConnection & /*bus*/) override
+    {
+        return true;
+    }
+};
 
 } // namespace
 
@@ -59,6 +90,8 @@ class LxqtDesktopTest : public QObject
 
 private:
     PictureFolder m_folder{{160, 90}};
+    QDBusConnection m_other
+        = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"another"_s);
 
 private Q_SLOTS:
     void init()
@@ -159,6 +192,16 @@ private Q_SLOTS:
         }
     }
 
+    void anotherScreenKeepsWhatItShowsWhenItsPictureIsOverwritten()
+    {
+        FakeLxqt fake(FakeLxqt::Obliging);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red), u"right"_s)), u"no error"_s);
+        m_folder.picture(u"red.png"_s, Qt::yellow);
+        QCOMPARE(errorOf(set(m_folder.picture(u"green.png"_s, Qt::green))), u"no error"_s);
+        QCOMPARE(shown().pixelColor(79, 30), QColor(Qt::green));
+        QCOMPARE(shown().copy(80, 0, 100, 60), oneColour({100, 60}, Qt::red));
+    }
+
     void changedScreensGetTheirPicturesAgain()
     {
         FakeLxqt fake(FakeLxqt::Obliging);
@@ -168,16 +211,7 @@ private Q_SLOTS:
         QCOMPARE(errorOf(followScreens()), u"no error"_s);
         QCOMPARE(fake.told.size(), 2);
 
-        // As if the right screen had been smaller and elsewhere.
-        QFile memory(composedFolder().filePath(u"shown.json"_s));
-        QVERIFY(memory.open(QIODevice::ReadWrite));
-        QByteArray text = memory.readAll();
-        QVERIFY(text.contains("100,"));
-        text.replace("100,", "50,");
-        memory.seek(0);
-        memory.resize(0);
-        memory.write(text);
-        memory.close();
+        rememberOtherScreens();
         QCOMPARE(errorOf(followScreens()), u"no error"_s);
         QCOMPARE(fake.told.size(), 3);
         QCOMPARE(shown().copy(0, 0, 80, 60), oneColour({80, 60}, Qt::red));
@@ -224,6 +258,48 @@ private Q_SLOTS:
     {
         const QString error = errorOf(set(m_folder.picture(u"red.png"_s, Qt::red)));
         QVERIFY2(error.startsWith(u"The desktop is not running"_s), qPrintable(error));
+    }
+
+    void whoWasAskedBeforeHasLessTimeToAnswer()
+    {
+        FakeLxqt fake(FakeLxqt::Slow);
+        LxqtDesktop asked(QDBusConnection::sessionBus(), std::chrono::milliseconds(100));
+        const desktop::Picture red = readPicture(m_folder.picture(u"red.png"_s, Qt::red)).value();
+        const QString error = errorOf(QCoro::waitFor(asked.setPicture(red, Screen{u"left"_s, {}})));
+        QVERIFY2(
+            error.startsWith(u"The desktop did not answer within 3 seconds"_s), qPrintable(error));
+        QCOMPARE(errorOf(set(red.file)), u"no error"_s);
+    }
+
+    void whoHangsWhenItIsLookedForHasLessTimeToAnswer()
+    {
+        Mute mute;
+        QVERIFY(m_other.registerVirtualObject(u"/Application"_s, &mute));
+        QVERIFY(m_other.registerService(u"org.pcmanfm.PCManFM"_s));
+        const desktop::Painting painting
+            = QCoro::waitFor(desktop::lookAround(QDBusConnection::sessionBus()));
+        QVERIFY(m_other.unregisterService(u"org.pcmanfm.PCManFM"_s));
+        m_other.unregisterObject(u"/Application"_s);
+        QVERIFY(painting.isFileManagerPainting);
+        // It had a third of the time, give or take the coarseness of timers.
+        QVERIFY(painting.fileManagersTime < desktop::answerTime * 5 / 6);
+    }
+
+    void aFileManagerThatComesLaterIsGivenWhatTheScreensShouldShow()
+    {
+        {
+            FakeLxqt fake(FakeLxqt::Obliging);
+            QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        }
+        rememberOtherScreens();
+        desktop::SystemDesktopPicture system;
+        const desktop::ScreenChanges start(QDBusConnection::sessionBus(), {});
+        QVERIFY(QSignalSpy(&start, &desktop::ScreenChanges::settled).wait());
+        // Comes after what is done at the start, as changes wait for each other.
+        QVERIFY(!QCoro::waitFor(system.setPicture(u"missing.png"_s, Screen{u"left"_s, {}})));
+        FakeLxqt fake(FakeLxqt::Obliging);
+        QTRY_COMPARE(fake.told.size(), 1);
+        QTRY_COMPARE(shown().size(), QSize(180, 60));
     }
 
     void aDesktopThatHangsEndsAfterThreeSeconds()

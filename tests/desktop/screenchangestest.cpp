@@ -5,16 +5,26 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using desktop::ScreenChanges;
+
+namespace {
+
+const QString painter = u"org.example.Painter"_s;
+
+} // namespace
 
 class ScreenChangesTest : public QObject
 {
     Q_OBJECT
 
+private:
+    QDBusConnection m_bus = QDBusConnection::sessionBus();
+
 private Q_SLOTS:
     void itIsToldOnceAtTheBeginning()
     {
-        const ScreenChanges changes;
+        const ScreenChanges changes(m_bus, {painter});
         QSignalSpy settled(&changes, &ScreenChanges::settled);
         QVERIFY(settled.wait());
         QVERIFY(!settled.wait(1300));
@@ -22,7 +32,7 @@ private Q_SLOTS:
 
     void severalChangesInARowAreToldOnce()
     {
-        const ScreenChanges changes;
+        const ScreenChanges changes(m_bus, {painter});
         QSignalSpy settled(&changes, &ScreenChanges::settled);
         QVERIFY(settled.wait());
         for (int i = 0; i < 5; ++i) {
@@ -37,10 +47,28 @@ private Q_SLOTS:
 
     void aScreenThatCameLaterIsWatched()
     {
-        const ScreenChanges changes;
+        const ScreenChanges changes(m_bus, {painter});
         QSignalSpy settled(&changes, &ScreenChanges::settled);
         QVERIFY(settled.wait());
         Q_EMIT qGuiApp->screenAdded(QGuiApplication::primaryScreen());
+        QVERIFY(settled.wait());
+    }
+
+    void aPainterThatCameLaterIsToldOf()
+    {
+        const ScreenChanges changes(m_bus, {painter});
+        QSignalSpy settled(&changes, &ScreenChanges::settled);
+        QVERIFY(settled.wait());
+        QVERIFY(m_bus.registerService(u"org.example.Other"_s));
+        QVERIFY(m_bus.registerService(painter));
+        QVERIFY(settled.wait());
+        QVERIFY(m_bus.unregisterService(painter));
+    }
+
+    void withoutABusScreensAreWatchedAllTheSame()
+    {
+        const ScreenChanges changes(QDBusConnection(u"none"_s), {painter});
+        QSignalSpy settled(&changes, &ScreenChanges::settled);
         QVERIFY(settled.wait());
     }
 };
