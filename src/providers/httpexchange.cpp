@@ -137,6 +137,9 @@ public:
     {
         connect(reply, &QNetworkReply::readyRead, this, &Transfer::drain);
         connect(reply, &QNetworkReply::finished, this, &Transfer::finish);
+        // Before that, Qt forgets about it.
+        connect(reply, &QNetworkReply::socketStartedConnecting, this,
+            [reply] { reply->setReadBufferSize(readAhead); });
         // QTimer::singleShot would stay behind until it is due, long after the transfer.
         connect(&m_timeLeft, &QTimer::timeout, this, [this] { giveUp(timedOut()); });
         m_timeLeft.setSingleShot(true);
@@ -204,6 +207,10 @@ private:
     {
         return m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
     }
+
+    /// What Qt may take from the network before it is read here: without a bound that is whatever
+    /// a service can send while this thread has no turn.
+    static constexpr qint64 readAhead = qint64(1) << 20;
 
     /// Also what is to spare behind a body of the announced size, where the JSON reader wants some
     /// bytes for itself.

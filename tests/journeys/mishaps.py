@@ -3,6 +3,7 @@
 
 import journey
 from driver import GENERATE, SET
+from surroundings import ImageService
 from waiting import wait_until
 
 
@@ -30,6 +31,14 @@ class Mishaps(journey.Journey):
     def test_nobody_listens(self):
         self.service.end()
         self.generate("ok-png", "Network error: Connection refused")
+
+    def test_the_network_comes_back(self):
+        self.service.end()
+        self.generate("ok-png", "Network error: Connection refused")
+        self.service = ImageService(self.binaries)
+        self.addCleanup(self.service.end)
+        self.program.generate()
+        self.program.wait_status(SET)
 
     def test_a_key_with_a_line_break_is_not_sent(self):
         self.program.put_keys(gemini="canary\r\nX-Other: 1")

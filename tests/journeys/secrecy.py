@@ -2,10 +2,13 @@
 """Where a key does not turn up: nowhere but in its file and in the request to its service."""
 
 import base64
+import contextlib
 import http.server
 import pathlib
 import resource
 import signal
+import socketserver
+import ssl
 import subprocess
 import threading
 import urllib.parse
@@ -27,7 +30,10 @@ ANSWERS = [
     (302, {"Location": f"http://localhost:{PORT}/elsewhere"}, b"<p>Found",
      "Invalid response: Failed to parse response"),
     (200, {"Content-Length": "99"}, b'{"cut"', "Network error: Connection closed"),
+    (None, {}, b"", "Network error: The request timed out."),
 ]
+# The program gives up after two minutes of silence.
+LONG_PATIENCE = 180.0
 
 
 def disguises(key):
@@ -52,11 +58,41 @@ class BadService(http.server.BaseHTTPRequestHandler):
         self.rfile.read(int(self.headers["Content-Length"]))
         self.keys.append(self.headers["x-goog-api-key"])
         status, headers, body, _ = self.answers.pop(0)
+        if status is None:
+            with contextlib.suppress(ConnectionError):
+                self.rfile.read(1)  # Until the program hangs up.
+            return
         self.send_response_only(status)
         for name, value in {"Content-Length": str(len(body)), **headers}.items():
             self.send_header(name, value)
         self.end_headers()
         self.wfile.write(body)
+
+
+class Impostor(socketserver.ThreadingTCPServer):
+    """A proxy that takes the place of whatever it is to connect to, with a certificate of its own."""
+
+    daemon_threads = True
+
+    def __init__(self, folder):
+        super().__init__(("127.0.0.1", 0), None)
+        key, certificate = folder / "impostor-key.pem", folder / "impostor.pem"
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt",
+                        "ec_paramgen_curve:prime256v1", "-nodes", "-keyout", key, "-out",
+                        certificate, "-days", "1", "-subj", "/CN=impostor"],
+                       check=True, stderr=subprocess.DEVNULL)
+        self.tls = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        self.tls.load_cert_chain(certificate, key)
+        self.asked = b""
+        self.heard = b""
+
+    def finish_request(self, request, client_address):
+        with contextlib.suppress(ssl.SSLError, ConnectionError):
+            while b"\r\n\r\n" not in self.asked:
+                self.asked += request.recv(4096)
+            request.sendall(b"HTTP/1.1 200 Connection established\r\n\r\n")
+            with self.tls.wrap_socket(request, server_side=True) as connection:
+                self.heard += connection.recv(65536)
 
 
 class Secrecy(journey.Journey):
@@ -101,7 +137,7 @@ class Secrecy(journey.Journey):
         try:
             for *_, status in ANSWERS:
                 self.program.press(GENERATE)
-                self.program.wait_status(status)
+                self.program.wait_status(status, LONG_PATIENCE)
                 self.assert_not_accessible()
         finally:
             server.shutdown()
@@ -147,6 +183,33 @@ class Secrecy(journey.Journey):
         self.meet_bad_answers()
         self.program.end()
         self.assertIn(CANARY.encode(), self.program.key_file.read_bytes())
+        self.assertIn(b"qt.", self.output.read_bytes())  # The logs were on.
+        self.assert_in_no_file()
+
+    def test_a_key_is_not_told_to_an_impostor(self):
+        impostor = Impostor(self.home)
+        self.addCleanup(impostor.server_close)
+        thread = threading.Thread(target=impostor.serve_forever)
+        thread.start()
+        self.addCleanup(thread.join)
+        self.addCleanup(impostor.shutdown)
+        # The program as it is shipped, which speaks TLS to the real service.
+        proxy = f"http://127.0.0.1:{impostor.server_address[1]}"
+        self.program = driver.Plenaura(
+            self.binaries, self.home, "plenaura",
+            {**EVERY_LOG, "http_proxy": proxy, "https_proxy": proxy, "no_proxy": ""})
+        self.addCleanup(self.program.end)
+        self.program.put_keys(gemini=CANARY)
+        self.start()
+        self.program.generate("a calm sea")
+        self.program.wait_status("Network error: SSL handshake failed: "
+                                 "The certificate is self-signed, and untrusted")
+        self.assert_not_accessible()
+        self.program.end()
+        self.assertRegex(impostor.asked, rb"^CONNECT [^ ]+:443 HTTP/1.1\r\n")
+        self.assertEqual(impostor.heard, b"")
+        for disguise in disguises(CANARY):
+            self.assertNotIn(disguise, impostor.asked)
         self.assertIn(b"qt.", self.output.read_bytes())  # The logs were on.
         self.assert_in_no_file()
 

@@ -1,5 +1,7 @@
 #include "tinydisk.h"
 
+#include "testlibs/ownnamespace.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -15,24 +17,6 @@ namespace {
 
 constexpr int pagesOfTheDisk = 256;
 
-bool tell(const char *file, const QByteArray &text)
-{
-    const int descriptor = ::open(file, O_WRONLY | O_CLOEXEC);
-    const bool told = ::write(descriptor, text.constData(), size_t(text.size())) == text.size();
-    ::close(descriptor);
-    return told;
-}
-
-/// Makes an ordinary user the root of a namespace of users, who may mount.
-bool becomeRootOfOwnNamespace()
-{
-    const QByteArray user = QByteArray::number(::getuid());
-    const QByteArray group = QByteArray::number(::getgid());
-    return ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 && tell("/proc/self/setgroups", "deny")
-        && tell("/proc/self/uid_map", "0 " + user + " 1")
-        && tell("/proc/self/gid_map", "0 " + group + " 1");
-}
-
 qint64 freePages(const QString &folder)
 {
     struct statvfs status;
@@ -44,9 +28,9 @@ qint64 freePages(const QString &folder)
 
 QString TinyDisk::allowMounting()
 {
-    if (::unshare(CLONE_NEWNS) != 0 && !becomeRootOfOwnNamespace()) {
-        return "Neither root's nor a user's own mounts are allowed here: "_L1
-            + qt_error_string(errno);
+    const QString refusal = testlibs::enterOwnNamespace(CLONE_NEWNS);
+    if (!refusal.isEmpty()) {
+        return refusal;
     }
     if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
         return "The mounts cannot be made private: "_L1 + qt_error_string(errno);

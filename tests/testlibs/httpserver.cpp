@@ -1,6 +1,7 @@
 #include "testlibs/httpserver.h"
 
 #include <QPointer>
+#include <QSslSocket>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
@@ -123,8 +124,27 @@ void trickle(QTcpSocket &socket, const HttpAnswer &answer)
     timer->start(answer.pause);
 }
 
+void repeat(QTcpSocket &socket, const QByteArray &bytes)
+{
+    auto *tls = qobject_cast<QSslSocket *>(&socket);
+    const auto writeMore = [&socket, tls, bytes] {
+        while (socket.state() == QTcpSocket::ConnectedState
+            && socket.bytesToWrite() + (tls ? tls->encryptedBytesToWrite() : 0) < chunkSize) {
+            socket.write(bytes);
+        }
+    };
+    // What is encrypted counts as written, and waits behind it for the network.
+    if (tls) {
+        QObject::connect(tls, &QSslSocket::encryptedBytesWritten, tls, writeMore);
+    } else {
+        QObject::connect(&socket, &QTcpSocket::bytesWritten, &socket, writeMore);
+    }
+    writeMore();
+}
+
 void reset(QTcpSocket &socket)
 {
+    socket.flush();
     const linger atOnce{.l_onoff = 1, .l_linger = 0};
     setsockopt(int(socket.socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
     socket.abort();
@@ -134,12 +154,19 @@ void play(QTcpSocket &socket, const HttpAnswer &answer)
 {
     switch (answer.ending) {
     case HttpAnswer::Ending::Silence:
+        socket.write(answer.wire);
         return;
     case HttpAnswer::Ending::Reset:
+        socket.write(answer.wire);
         reset(socket);
         return;
     case HttpAnswer::Ending::Close:
+        socket.write(answer.wire);
         socket.disconnectFromHost();
+        return;
+    case HttpAnswer::Ending::Endless:
+        socket.write(answer.wire);
+        repeat(socket, answer.body);
         return;
     case HttpAnswer::Ending::Complete:
     case HttpAnswer::Ending::CutInBody:
@@ -169,10 +196,13 @@ QList<QByteArray> ReceivedRequest::header(const QByteArray &name) const
 
 HttpServer::HttpServer() : HttpServer(std::make_unique<QTcpServer>()) { }
 
-HttpServer::HttpServer(std::unique_ptr<QTcpServer> listener) : m_listener(std::move(listener))
+HttpServer::HttpServer(quint16 port) : HttpServer(std::make_unique<QTcpServer>(), port) { }
+
+HttpServer::HttpServer(std::unique_ptr<QTcpServer> listener, quint16 port)
+    : m_listener(std::move(listener))
 {
     connect(m_listener.get(), &QTcpServer::pendingConnectionAvailable, this, &HttpServer::accept);
-    if (!m_listener->listen(QHostAddress::LocalHost)) {
+    if (!m_listener->listen(QHostAddress::LocalHost, port)) {
         qFatal("No free loopback port");
     }
 }
@@ -187,6 +217,11 @@ quint16 HttpServer::port() const
 QString HttpServer::url() const
 {
     return u"http://127.0.0.1:%1"_s.arg(port());
+}
+
+QString HttpServer::secureUrl() const
+{
+    return u"https://127.0.0.1:%1"_s.arg(port());
 }
 
 void HttpServer::release()
@@ -211,6 +246,7 @@ void HttpServer::accept()
         ++m_connections;
         connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
         connect(socket, &QTcpSocket::disconnected, this, &HttpServer::disconnected);
+        connect(socket, &QTcpSocket::bytesWritten, this, [this](qint64 n) { m_bytesSent += n; });
         auto received = std::make_shared<QByteArray>();
         connect(socket, &QTcpSocket::readyRead, this,
             [this, socket, received] { read(socket, *received); });

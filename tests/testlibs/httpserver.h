@@ -35,9 +35,10 @@ struct HttpAnswer
         Complete,
         CutInBody, ///< Half of the body, then the connection is closed.
         StallInBody, ///< Half of the body, then nothing more.
-        Close, ///< The connection is closed without an answer.
-        Reset, ///< The connection is reset without an answer.
-        Silence, ///< Nothing at all; the connection stays open.
+        Close, ///< Only what `wire` says, then the connection is closed.
+        Reset, ///< Only what `wire` says, then the connection is reset.
+        Silence, ///< Only what `wire` says, then nothing; the connection stays open.
+        Endless, ///< What `wire` says, then the body again and again, as fast as it is taken.
     };
 
     /// What becomes of the connection after a complete answer.
@@ -52,6 +53,7 @@ struct HttpAnswer
     Connection connection = Connection::KeptOpen;
     std::chrono::milliseconds pause{}; ///< Between the bytes of the body; none sends it at once.
     bool held = false; ///< Waits for HttpServer::release().
+    QByteArray wire = {}; ///< Sent as it stands where the ending leaves out head and body.
 };
 
 /// A scripted HTTP server on a free loopback port: it records every request and answers the first
@@ -64,13 +66,17 @@ class HttpServer : public QObject
 
 public:
     HttpServer();
+    /// Listens on @p port, which an earlier server may have had.
+    explicit HttpServer(quint16 port);
     /// Takes connections from @p listener, such as a QSslServer; listens with it itself.
-    explicit HttpServer(std::unique_ptr<QTcpServer> listener);
+    explicit HttpServer(std::unique_ptr<QTcpServer> listener, quint16 port = 0);
     ~HttpServer() override;
 
     quint16 port() const;
     /// Scheme http and authority, without a trailing slash.
     QString url() const;
+    /// The same with scheme https, for a listener that speaks TLS.
+    QString secureUrl() const;
 
     void enqueue(const HttpAnswer &answer) { m_answers += answer; }
     void enqueue(const QByteArray &body) { enqueue(HttpAnswer{.body = body}); }
@@ -81,6 +87,8 @@ public:
     void forgetRequests() { m_requests.clear(); }
     /// Accepted so far, with or without a request.
     int connections() const { return m_connections; }
+    /// Bytes that the network has taken from the server so far.
+    qint64 bytesSent() const { return m_bytesSent; }
     /// Still open on the server's side.
     qsizetype openConnections() const;
 
@@ -99,6 +107,7 @@ private:
     QList<HeldAnswer> m_held;
     QList<ReceivedRequest> m_requests;
     int m_connections = 0;
+    qint64 m_bytesSent = 0;
 };
 
 } // namespace testlibs
