@@ -12,6 +12,10 @@ class RepeatingTimerTest : public QObject
 {
     Q_OBJECT
 
+public:
+    /// Clocks that go from two to three in the last night of a week in March, and back in October.
+    static void initMain() { qputenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3"); }
+
 private Q_SLOTS:
     void firesOncePerPeriod();
     void startingAgainBeginsAFreshPeriod();
@@ -20,6 +24,9 @@ private Q_SLOTS:
     void afterWakingAFullPeriodFollows();
     void settingTheWallClockMovesTheDateOnly_data();
     void settingTheWallClockMovesTheDateOnly();
+    void summerTimeIsNoReasonToFireEarlyOrLate_data();
+    void summerTimeIsNoReasonToFireEarlyOrLate();
+    void theDateIsNeverInThePast_data();
     void theDateIsNeverInThePast();
     void anEarlyAlarmIsNoFiring();
     void longPeriodsNeitherOverflowNorFireEarly_data();
@@ -122,8 +129,50 @@ void RepeatingTimerTest::settingTheWallClockMovesTheDateOnly()
     QCOMPARE(fired.count(), 1);
 }
 
+void RepeatingTimerTest::summerTimeIsNoReasonToFireEarlyOrLate_data()
+{
+    QTest::addColumn<QDateTime>("start");
+    QTest::addColumn<QTime>("shown");
+    const auto local = [](const QDate &day, const QTime &utc) {
+        return QDateTime(day, utc, Qt::UTC).toLocalTime();
+    };
+    QTest::newRow("1:50, then 3:20") << local({2026, 3, 29}, {0, 50}) << QTime(3, 20);
+    QTest::newRow("2:50, then 2:20") << local({2026, 10, 25}, {0, 50}) << QTime(2, 20);
+}
+
+void RepeatingTimerTest::summerTimeIsNoReasonToFireEarlyOrLate()
+{
+    QFETCH(QDateTime, start);
+    fakes::FakeClock clock;
+    clock.setWallClock(start);
+    RepeatingTimer timer(clock);
+    QSignalSpy fired(&timer, &RepeatingTimer::fired);
+    timer.start(30min);
+    QTEST(timer.nextFireDate()->time(), "shown");
+    QCOMPARE(timer.nextFireDate()->toMSecsSinceEpoch(), start.toMSecsSinceEpoch() + 1'800'000);
+    clock.pass(30min - 1ms);
+    QCOMPARE(fired.count(), 0);
+    clock.pass(1ms);
+    QCOMPARE(fired.count(), 1);
+    clock.pass(90min);
+    QCOMPARE(fired.count(), 4);
+}
+
+void RepeatingTimerTest::theDateIsNeverInThePast_data()
+{
+    QTest::addColumn<qint64>("asleep");
+    QTest::addColumn<qint64>("setBy");
+    QTest::newRow("three hours of sleep") << qint64(10'800) << qint64(0);
+    QTest::newRow("an hour back") << qint64(0) << qint64(-3600);
+    QTest::newRow("an hour on") << qint64(0) << qint64(3600);
+    QTest::newRow("thirty days on") << qint64(0) << qint64(30 * 86400);
+    QTest::newRow("eight hours of sleep, and the clock was set") << qint64(28'800) << qint64(-3600);
+}
+
 void RepeatingTimerTest::theDateIsNeverInThePast()
 {
+    QFETCH(qint64, asleep);
+    QFETCH(qint64, setBy);
     fakes::FakeClock clock;
     RepeatingTimer timer(clock);
     timer.start(1min);
@@ -131,9 +180,17 @@ void RepeatingTimerTest::theDateIsNeverInThePast()
     bool wasPast = false;
     connect(&timer, &RepeatingTimer::nextFireDateMoved, this,
         [&] { wasPast = wasPast || *timer.nextFireDate() < clock.now(); });
-    clock.sleep(3h);
-    QCOMPARE(moved.count(), 1);
+    clock.pass(59s);
+    if (asleep != 0) {
+        clock.sleep(std::chrono::seconds(asleep));
+    }
+    if (setBy != 0) {
+        clock.setWallClock(clock.now().addSecs(setBy));
+    }
+    QCOMPARE(moved.count(), (asleep != 0 ? 1 : 0) + (setBy != 0 ? 1 : 0));
     QVERIFY(!wasPast);
+    QVERIFY(*timer.nextFireDate() >= clock.now());
+    QVERIFY(*timer.nextFireDate() <= clock.now().addSecs(60));
 }
 
 void RepeatingTimerTest::anEarlyAlarmIsNoFiring()

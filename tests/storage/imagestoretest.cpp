@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using storage::ImageStore;
@@ -33,6 +34,8 @@ private Q_SLOTS:
     void anExtensionCannotLeaveTheFolder();
     void removingTakesThisEntryOnly_data();
     void removingTakesThisEntryOnly();
+    void removingAReadOnlyPictureTakesItAlone();
+    void removingOneOfTwoNamesLeavesTheOther();
     void removingWhatIsGoneDoesNothing();
     void removingAFolderTakesWhatIsInIt();
     void removingALinkLeavesItsTarget_data();
@@ -172,6 +175,34 @@ void ImageStoreTest::removingTakesThisEntryOnly()
     QVERIFY(put(home.pictures() + u'/' + neighbour, "picture"));
     ImageStore::remove(QUrl::fromLocalFile(home.pictures() + u'/' + name));
     QCOMPARE(entries(home.pictures()), QStringList(neighbour));
+}
+
+void ImageStoreTest::removingAReadOnlyPictureTakesItAlone()
+{
+    const Home home;
+    home.makeFolders();
+    for (const QString &name : {u"a.png"_s, u"b.png"_s}) {
+        QVERIFY(put(home.pictures() + u'/' + name, "picture"));
+        QVERIFY(QFile::setPermissions(home.pictures() + u'/' + name, QFile::ReadOwner));
+    }
+    ImageStore::remove(QUrl::fromLocalFile(home.pictures() + "/a.png"_L1));
+    QCOMPARE(entries(home.pictures()), QStringList(u"b.png"_s));
+    QCOMPARE(mode(home.pictures() + "/b.png"_L1), 0400);
+}
+
+void ImageStoreTest::removingOneOfTwoNamesLeavesTheOther()
+{
+    const Home home;
+    home.makeFolders();
+    const QString picture = home.pictures() + "/a.png"_L1;
+    const QString otherName = home.path() + "/a.png"_L1;
+    QVERIFY(put(picture, "picture"));
+    QCOMPARE(
+        ::link(QFile::encodeName(picture).constData(), QFile::encodeName(otherName).constData()),
+        0);
+    ImageStore::remove(QUrl::fromLocalFile(picture));
+    QCOMPARE(entries(home.pictures()), QStringList());
+    QCOMPARE(contents(otherName), "picture");
 }
 
 void ImageStoreTest::removingWhatIsGoneDoesNothing()

@@ -1,10 +1,9 @@
-#include "home.h"
+#include "tracedsave.h"
 
 #include <QFile>
 #include <QProcess>
 #include <QTest>
 
-#include <algorithm>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -31,73 +30,7 @@ namespace {
 
 const QByteArray oldKeys = R"({"gemini":"canary-old"})";
 const QByteArray newKeys = R"({"gemini":"canary-new"})";
-
-struct Trace
-{
-    QProcess::ExitStatus end = QProcess::CrashExit;
-    int exitCode = -1;
-    QByteArray errors;
-    /// What the save called, a line each, from its first call on.
-    QList<QByteArray> save;
-    bool isInjected = false;
-};
-
-/// One call of the save, and which one of its name it is, counted from the start of the program.
-struct Call
-{
-    QByteArray name;
-    int number;
-};
-
-QByteArray nameOf(const QByteArray &line)
-{
-    return line.left(line.indexOf('('));
-}
-
-QList<QByteArray> linesOf(const QString &log)
-{
-    return contents(log).split('\n');
-}
-
-/// Memory is mapped for its own sake here, and the sanitizers probe it by pipes.
-bool isAboutFiles(const QByteArray &line)
-{
-    return line.contains('(') && nameOf(line) != "mmap" && !line.contains("<pipe:");
-}
-
-qsizetype beginOfSave(const QList<QByteArray> &lines)
-{
-    const auto begin = std::find_if(lines.begin(), lines.end(),
-        [](const QByteArray &line) { return line.contains("/the save begins"); });
-    return begin - lines.begin();
-}
-
-Trace saveTraced(const Home &home, const QStringList &options, mode_t mask = 0022)
-{
-    const QString log = home.path() + "/trace"_L1;
-    QProcess strace;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    // The leak checker is a tracer itself, and there can be only one.
-    environment.insert(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s);
-    strace.setProcessEnvironment(environment);
-    strace.setChildProcessModifier([mask] { ::umask(mask); });
-    strace.start(u"strace"_s,
-        QStringList({u"-y"_s, u"-s"_s, u"4096"_s, u"-o"_s, log, u"-e"_s, u"trace=%file,%desc"_s})
-            + options + QStringList({QStringLiteral(SAVEKEY), u"gemini"_s, u"canary-new"_s}));
-    Trace trace;
-    if (!strace.waitForFinished()) {
-        trace.errors = strace.errorString().toLocal8Bit();
-        return trace;
-    }
-    trace.end = strace.exitStatus();
-    trace.exitCode = strace.exitCode();
-    trace.errors = strace.readAllStandardError();
-    const QList<QByteArray> lines = linesOf(log);
-    std::copy_if(lines.begin() + qMin(beginOfSave(lines) + 1, lines.size()), lines.end(),
-        std::back_inserter(trace.save), isAboutFiles);
-    trace.isInjected = contents(log).contains("(INJECTED)");
-    return trace;
-}
+const QStringList saveNewKey{QStringLiteral(ONESAVE), u"key"_s, u"gemini"_s, u"canary-new"_s};
 
 void makeOldKeys(const Home &home)
 {
@@ -113,33 +46,7 @@ QList<Call> callsOfASave(bool hasOldKeys)
     if (hasOldKeys) {
         makeOldKeys(home);
     }
-    saveTraced(home, {});
-    const QList<QByteArray> lines = linesOf(home.path() + "/trace"_L1);
-    const qsizetype begin = beginOfSave(lines);
-    QHash<QByteArray, int> numbers;
-    QList<Call> calls;
-    for (qsizetype index = 0; index < lines.size(); ++index) {
-        const QByteArray name = nameOf(lines[index]);
-        const int number = ++numbers[name];
-        if (index > begin && isAboutFiles(lines[index])) {
-            calls.append({name, number});
-        }
-    }
-    return calls;
-}
-
-/// Where in the save the first call of this name stands that mentions the text, or -1.
-qsizetype indexOf(const Trace &trace, const QByteArray &name, const QByteArray &text)
-{
-    const auto found = std::find_if(trace.save.begin(), trace.save.end(),
-        [&](const QByteArray &line) { return nameOf(line) == name && line.contains(text); });
-    return found == trace.save.end() ? -1 : found - trace.save.begin();
-}
-
-QString inject(const Call &call, const QByteArray &what, const QByteArray &repeat = {})
-{
-    return QString::fromLatin1(
-        "inject=" + call.name + ':' + what + ":when=" + QByteArray::number(call.number) + repeat);
+    return callsOf(home, saveNewKey);
 }
 
 bool isOldOrNew(const Home &home, bool hasOldKeys)
@@ -157,29 +64,12 @@ bool isAlone(const Home &home)
     return left.isEmpty() || left == QStringList(u"keys.json"_s);
 }
 
-bool makesAFile(const QByteArray &line)
-{
-    return nameOf(line) == "creat" || line.contains("O_CREAT") || line.contains("O_TMPFILE");
-}
-
-bool setsPermissions(const QByteArray &line)
-{
-    return nameOf(line).contains("chmod");
-}
-
-/// The last octal number of the call is its mode.
-int modeOf(const QByteArray &line)
-{
-    const QByteArray arguments = line.left(line.lastIndexOf(") = "));
-    return arguments.mid(arguments.lastIndexOf(", ") + 2).toInt(nullptr, 8);
-}
-
 } // namespace
 
 void InterruptedSaveTest::initTestCase()
 {
     const Home home;
-    const Trace trace = saveTraced(home, {});
+    const Trace trace = traced(home, saveNewKey, {});
     QVERIFY2(trace.exitCode == 0, "This test needs strace and ptrace: " + trace.errors);
     QVERIFY(!trace.save.isEmpty());
 }
@@ -188,20 +78,25 @@ void InterruptedSaveTest::noFileIsEverOpenToOthers_data()
 {
     QTest::addColumn<uint>("mask");
     QTest::addColumn<bool>("hasWideFile");
-    QTest::newRow("first save, mask 000") << 0000U << false;
-    QTest::newRow("first save, mask 022") << 0022U << false;
-    QTest::newRow("a file that all may read, mask 000") << 0000U << true;
-    QTest::newRow("a file that all may read, mask 022") << 0022U << true;
+    QTest::addColumn<bool>("hasWideFolder");
+    QTest::newRow("first save, mask 000") << 0000U << false << false;
+    QTest::newRow("first save, mask 022") << 0022U << false << false;
+    QTest::newRow("a file that all may read, mask 000") << 0000U << true << false;
+    QTest::newRow("a file that all may read, mask 022") << 0022U << true << false;
+    QTest::newRow("first save, a folder open to all") << 0000U << false << true;
+    QTest::newRow("a file that all may read in a folder open to all") << 0000U << true << true;
 }
 
 void InterruptedSaveTest::noFileIsEverOpenToOthers()
 {
     QFETCH(const uint, mask);
     QFETCH(const bool, hasWideFile);
+    QFETCH(const bool, hasWideFolder);
     const Home home;
     home.makeFolders();
+    QVERIFY(!hasWideFolder || ::chmod(QFile::encodeName(home.keyFolder()).constData(), 0777) == 0);
     QVERIFY(!hasWideFile || put(home.keyFile(), oldKeys));
-    const Trace trace = saveTraced(home, {}, mask);
+    const Trace trace = traced(home, saveNewKey, {}, mask);
     QCOMPARE(contents(home.keyFile()), newKeys);
 
     int made = 0;
@@ -225,7 +120,7 @@ void InterruptedSaveTest::noFileIsEverOpenToOthers()
 void InterruptedSaveTest::theBytesReachTheDiskBeforeTheirNameAndTheNameAfter()
 {
     const Home home;
-    const Trace trace = saveTraced(home, {});
+    const Trace trace = traced(home, saveNewKey, {});
     const qsizetype written = indexOf(trace, "write", "canary-new");
     const qsizetype bytesSynchronised = indexOf(trace, "fsync", "/Plenaura/");
     const qsizetype renamed = indexOf(trace, "rename", "/keys.json\"");
@@ -250,7 +145,7 @@ void InterruptedSaveTest::withoutThisCallTheOldKeysStay()
     QFETCH(const QByteArray, name);
     const Home home;
     makeOldKeys(home);
-    const Trace trace = saveTraced(home, {u"-e"_s, inject({name, 1}, "error=EIO", "+")});
+    const Trace trace = traced(home, saveNewKey, inject({name, 1}, "error=EIO", "+"));
     QVERIFY(trace.isInjected);
     QCOMPARE(contents(home.keyFile()), oldKeys);
     QVERIFY(isAlone(home));
@@ -267,8 +162,11 @@ void InterruptedSaveTest::afterAFailedCallTheKeysAreOldOrNew_data()
             QTest::addRow("%s, %s once", situation, error)
                 << hasOldKeys << QByteArray(error) << QByteArray();
         }
-        QTest::addRow("%s, EIO from there on", situation)
-            << hasOldKeys << QByteArray("EIO") << QByteArray("+");
+        // Not EINTR: there is no way on but to try again.
+        for (const auto *error : {"EIO", "ENOSPC", "EACCES"}) {
+            QTest::addRow("%s, %s from there on", situation, error)
+                << hasOldKeys << QByteArray(error) << QByteArray("+");
+        }
     }
 }
 
@@ -284,12 +182,13 @@ void InterruptedSaveTest::afterAFailedCallTheKeysAreOldOrNew()
         if (hasOldKeys) {
             makeOldKeys(home);
         }
-        const QString injection = inject(call, "error=" + error, repeat);
-        const Trace trace = saveTraced(home, {u"-e"_s, injection});
-        QVERIFY2(trace.isInjected, qPrintable(injection));
-        QVERIFY2(trace.end == QProcess::NormalExit && trace.exitCode == 0, qPrintable(injection));
-        QVERIFY2(isOldOrNew(home, hasOldKeys), qPrintable(injection));
-        QVERIFY2(isAlone(home), qPrintable(injection));
+        const QStringList injection = inject(call, "error=" + error, repeat);
+        const Trace trace = traced(home, saveNewKey, injection);
+        QVERIFY2(trace.isInjected, qPrintable(injection.last()));
+        QVERIFY2(
+            trace.end == QProcess::NormalExit && trace.exitCode == 0, qPrintable(injection.last()));
+        QVERIFY2(isOldOrNew(home, hasOldKeys), qPrintable(injection.last()));
+        QVERIFY2(isAlone(home), qPrintable(injection.last()));
     }
 }
 
@@ -310,16 +209,16 @@ void InterruptedSaveTest::afterAKillTheKeysAreOldOrNewAndTheNextSaveTidiesUp()
         if (hasOldKeys) {
             makeOldKeys(home);
         }
-        const QString injection = inject(call, "signal=SIGKILL");
-        const Trace trace = saveTraced(home, {u"-e"_s, injection});
-        QVERIFY2(trace.end == QProcess::CrashExit, qPrintable(injection));
-        QVERIFY2(isOldOrNew(home, hasOldKeys), qPrintable(injection));
+        const QStringList injection = inject(call, "signal=SIGKILL");
+        const Trace trace = traced(home, saveNewKey, injection);
+        QVERIFY2(trace.end == QProcess::CrashExit, qPrintable(injection.last()));
+        QVERIFY2(isOldOrNew(home, hasOldKeys), qPrintable(injection.last()));
         for (const QString &name : entries(home.keyFolder())) {
             QCOMPARE(mode(home.keyFolder() + u'/' + name), 0600);
         }
-        QCOMPARE(QProcess::execute(QStringLiteral(SAVEKEY), {u"gemini"_s, u"canary-new"_s}), 0);
+        QCOMPARE(QProcess::execute(saveNewKey.first(), saveNewKey.mid(1)), 0);
         QCOMPARE(contents(home.keyFile()), newKeys);
-        QVERIFY2(isAlone(home), qPrintable(injection));
+        QVERIFY2(isAlone(home), qPrintable(injection.last()));
     }
 }
 
