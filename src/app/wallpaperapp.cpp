@@ -22,7 +22,8 @@ WallpaperApp::WallpaperApp(SingleInstance &instance, QObject *parent)
           .clock = *m_clock,
           .services = providers::services(),
           .exchange = std::make_shared<providers::HttpExchange>()}),
-      m_windows(m_manager, m_settings), m_menu(m_manager), m_trayIcon(m_menu, m_trayHost)
+      m_sessionClient(m_appDelegate), m_windows(m_manager, m_settings), m_menu(m_manager),
+      m_trayIcon(m_menu, m_trayHost)
 {
     connect(
         &m_appDelegate, &AppDelegate::closeWindowsRequested, &m_windows, &LazyWindows::closeAll);
@@ -49,6 +50,10 @@ WallpaperApp::WallpaperApp(SingleInstance &instance, QObject *parent)
     connect(&instance, &SingleInstance::generateRequested, this, &WallpaperApp::generateNow);
     connect(&instance, &SingleInstance::settingsRequested, &m_windows, &LazyWindows::showSettings);
     connect(&instance, &SingleInstance::quitRequested, &m_appDelegate, &AppDelegate::quitForReal);
+
+    if (!SessionClient::isAskedByX11()) {
+        m_sessionClient.watch();
+    }
 
     m_windows.setTrayAvailable(false);
     connect(&m_trayHost, &TrayHost::available, &m_windows,

@@ -2,6 +2,7 @@
 
 #include "app/appdelegate.h"
 #include "app/lazywindows.h"
+#include "app/sessionclient.h"
 #include "app/trayhost.h"
 #include "app/trayicon.h"
 #include "core/wallpapermanager.h"
@@ -54,6 +55,7 @@ private:
     std::unique_ptr<desktop::DesktopPicture> m_desktop;
     core::WallpaperManager m_manager;
     AppDelegate m_appDelegate;
+    SessionClient m_sessionClient;
     LazyWindows m_windows;
     ui::MenuBarView m_menu;
     TrayHost m_trayHost;

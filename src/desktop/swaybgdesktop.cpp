@@ -1,6 +1,7 @@
 #include "desktop/swaybgdesktop.h"
 
 #include "desktop/buscall.h"
+#include "desktop/output.h"
 #include "desktop/pngcopy.h"
 #include "desktop/waylandglobals.h"
 #include "desktop/workerthread.h"
@@ -19,6 +20,15 @@ struct Background
     QString file;
 };
 
+std::optional<QString> outputName(const std::vector<Screen> &outputs, const Screen &screen)
+{
+    if (outputs.empty()) {
+        return screen.name;
+    }
+    const std::optional<Screen> output = outputOf(screen, outputs);
+    return output ? std::optional(output->name) : std::nullopt;
+}
+
 tl::expected<Background, QString> prepare(const Picture &picture, const Screen &screen)
 {
     const tl::expected<QString, QString> file = fileEveryDesktopReads(picture);
@@ -30,9 +40,9 @@ tl::expected<Background, QString> prepare(const Picture &picture, const Screen &
         return tl::make_unexpected(u"The desktop cannot be reached"_s);
     }
     // swaybg would wait for an output that is not there.
-    const auto output = SwaybgDesktop::outputName(globals->outputs, screen.name);
+    const std::optional<QString> output = outputName(globals->outputs, screen);
     if (!output) {
-        return tl::make_unexpected(u"The desktop has no screen named %1"_s.arg(screen.name));
+        return tl::make_unexpected(u"The screen is no longer there"_s);
     }
     return Background{*output, *file};
 }
@@ -42,15 +52,6 @@ tl::expected<Background, QString> prepare(const Picture &picture, const Screen &
 SwaybgDesktop::SwaybgDesktop(std::shared_ptr<BackgroundProcesses> processes)
     : m_processes(std::move(processes))
 {
-}
-
-std::optional<QString> SwaybgDesktop::outputName(const QStringList &outputs, const QString &screen)
-{
-    // Old compositors tell no names.
-    if (outputs.isEmpty() || outputs.contains(screen)) {
-        return screen;
-    }
-    return outputs.size() == 1 ? std::optional(outputs.first()) : std::nullopt;
 }
 
 QCoro::Task<SetResult> SwaybgDesktop::setPicture(Picture picture, Screen screen)

@@ -1,6 +1,7 @@
 #include "desktop/swaydesktop.h"
 
 #include "desktop/buscall.h"
+#include "desktop/output.h"
 #include "desktop/pngcopy.h"
 #include "desktop/swayipc.h"
 #include "desktop/workerthread.h"
@@ -76,7 +77,7 @@ SetResult show(const Picture &picture, const Screen &screen, const QString &sock
         return tl::make_unexpected(outputs.error());
     }
     // It would take a picture for an output that it does not have.
-    const std::optional<Screen> output = swayOutput(*outputs, screen);
+    const std::optional<Screen> output = outputOf(screen, *outputs);
     if (!output) {
         return tl::make_unexpected(u"The screen is no longer there"_s);
     }

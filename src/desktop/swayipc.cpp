@@ -127,18 +127,6 @@ tl::expected<std::vector<Screen>, QString> swayOutputs(const QByteArray &answer)
     return outputs;
 }
 
-std::optional<Screen> swayOutput(const std::vector<Screen> &outputs, const Screen &screen)
-{
-    auto same = std::find_if(outputs.begin(), outputs.end(),
-        [&](const Screen &output) { return output.name == screen.name; });
-    if (same == outputs.end()) {
-        same = std::find_if(outputs.begin(), outputs.end(), [&](const Screen &output) {
-            return output.geometry.topLeft() == screen.geometry.topLeft();
-        });
-    }
-    return same == outputs.end() ? std::nullopt : std::optional(*same);
-}
-
 std::optional<QByteArray> swayPictureCommand(const QString &output, const QString &file)
 {
     const std::optional<QByteArray> escapedOutput = escaped(output);

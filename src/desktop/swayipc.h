@@ -33,10 +33,6 @@ SetResult swayCommandResult(const QByteArray &answer);
 /// The outputs that are on, with their place on sway's own virtual desktop.
 tl::expected<std::vector<Screen>, QString> swayOutputs(const QByteArray &answer);
 
-/// The output that is @p screen: the one with its name, else the one at its place, since sway's X
-/// server has other names for the outputs.
-std::optional<Screen> swayOutput(const std::vector<Screen> &outputs, const Screen &screen);
-
 /// Makes @p file the picture of one output; absent for a path that sway cannot be told.
 std::optional<QByteArray> swayPictureCommand(const QString &output, const QString &file);
 

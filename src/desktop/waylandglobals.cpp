@@ -1,5 +1,7 @@
 #include "desktop/waylandglobals.h"
 
+#include "desktop/xdgoutput.h"
+
 #include <algorithm>
 #include <list>
 #include <memory>
@@ -12,7 +14,7 @@ namespace desktop {
 
 namespace {
 
-constexpr uint32_t versionWithNames = WL_OUTPUT_NAME_SINCE_VERSION;
+constexpr uint32_t versionWithNames = 2;
 
 template <auto destroy>
 struct Destroy
@@ -27,21 +29,40 @@ using Display = std::unique_ptr<wl_display, Destroy<wl_display_disconnect>>;
 using Registry = std::unique_ptr<wl_registry, Destroy<wl_registry_destroy>>;
 using Output = std::unique_ptr<wl_output, Destroy<wl_output_destroy>>;
 using Callback = std::unique_ptr<wl_callback, Destroy<wl_callback_destroy>>;
+using Proxy = std::unique_ptr<wl_proxy, Destroy<wl_proxy_destroy>>;
+
+struct FoundOutput
+{
+    Output output;
+    Proxy place = nullptr;
+    Screen screen = {};
+};
 
 struct Found
 {
-    WaylandGlobals globals;
-    std::list<Output> outputs;
+    bool hasLayerShell = false;
+    Proxy places = nullptr; ///< Who tells the places of outputs.
+    std::list<FoundOutput> outputs = {};
 };
 
-void nameSeen(void *data, wl_output * /*output*/, const char *name)
+void placeSeen(void *data, wl_proxy * /*output*/, int32_t x, int32_t y)
 {
-    static_cast<Found *>(data)->globals.outputs.append(QString::fromUtf8(name));
+    static_cast<Screen *>(data)->geometry.moveTo(x, y);
+}
+
+void sizeSeen(void *data, wl_proxy * /*output*/, int32_t width, int32_t height)
+{
+    static_cast<Screen *>(data)->geometry.setSize({width, height});
+}
+
+void nameSeen(void *data, wl_proxy * /*output*/, const char *name)
+{
+    static_cast<Screen *>(data)->name = QString::fromUtf8(name);
 }
 
 // The library calls through every pointer of the event that arrives.
-constexpr wl_output_listener outputListener{
-    [](auto...) {}, [](auto...) {}, [](auto...) {}, [](auto...) {}, nameSeen, [](auto...) {}};
+constexpr XdgOutputListener outputListener{
+    placeSeen, sizeSeen, [](auto...) {}, nameSeen, [](auto...) {}};
 
 void globalSeen(
     void *data, wl_registry *registry, uint32_t number, const char *interface, uint32_t version)
@@ -49,12 +70,13 @@ void globalSeen(
     auto *found = static_cast<Found *>(data);
     const std::string_view name(interface);
     if (name == "zwlr_layer_shell_v1") {
-        found->globals.hasLayerShell = true;
-    } else if (name == wl_output_interface.name && version >= versionWithNames) {
-        auto *output = static_cast<wl_output *>(
-            wl_registry_bind(registry, number, &wl_output_interface, versionWithNames));
-        wl_output_add_listener(output, &outputListener, found);
-        found->outputs.emplace_back(output);
+        found->hasLayerShell = true;
+    } else if (name == wl_output_interface.name) {
+        found->outputs.push_back({Output(static_cast<wl_output *>(
+            wl_registry_bind(registry, number, &wl_output_interface, 1)))});
+    } else if (name == xdgOutputManagerInterface.name && version >= versionWithNames) {
+        found->places.reset(static_cast<wl_proxy *>(
+            wl_registry_bind(registry, number, &xdgOutputManagerInterface, versionWithNames)));
     }
 }
 
@@ -103,6 +125,29 @@ bool allAnswered(wl_display *display, QDeadlineTimer deadline)
     return true;
 }
 
+void askForPlaces(Found &found)
+{
+    for (FoundOutput &each : found.outputs) {
+        each.place.reset(wl_proxy_marshal_flags(found.places.get(), getXdgOutput,
+            &xdgOutputInterface, versionWithNames, 0, nullptr, each.output.get()));
+        // The library wants its listeners as pointers to functions of no particular kind.
+        wl_proxy_add_listener(each.place.get(),
+            reinterpret_cast<void (**)()>(const_cast<XdgOutputListener *>(&outputListener)),
+            &each.screen);
+    }
+}
+
+WaylandGlobals globalsOf(const Found &found)
+{
+    WaylandGlobals globals{found.hasLayerShell, {}};
+    for (const FoundOutput &each : found.outputs) {
+        if (!each.screen.name.isEmpty()) {
+            globals.outputs.push_back(each.screen);
+        }
+    }
+    return globals;
+}
+
 } // namespace
 
 std::optional<WaylandGlobals> askWaylandGlobals(QDeadlineTimer deadline)
@@ -114,11 +159,16 @@ std::optional<WaylandGlobals> askWaylandGlobals(QDeadlineTimer deadline)
     Found found;
     const Registry registry(wl_display_get_registry(display.get()));
     wl_registry_add_listener(registry.get(), &registryListener, &found);
-    // First come the outputs, then their names.
-    if (!allAnswered(display.get(), deadline) || !allAnswered(display.get(), deadline)) {
+    if (!allAnswered(display.get(), deadline)) {
         return {};
     }
-    return found.globals;
+    if (found.places) {
+        askForPlaces(found);
+        if (!allAnswered(display.get(), deadline)) {
+            return {};
+        }
+    }
+    return globalsOf(found);
 }
 
 } // namespace desktop

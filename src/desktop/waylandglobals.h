@@ -1,9 +1,11 @@
 #pragma once
 
+#include "desktop/desktoppicture.h"
+
 #include <QDeadlineTimer>
-#include <QStringList>
 
 #include <optional>
+#include <vector>
 
 namespace desktop {
 
@@ -11,7 +13,9 @@ namespace desktop {
 struct WaylandGlobals
 {
     bool hasLayerShell = false; ///< Whether programs may put surfaces behind all windows.
-    QStringList outputs; ///< Names of those that are on; none where the compositor is an old one.
+    /// Those that are on, with their places on the compositor's virtual desktop; none where it
+    /// keeps them to itself.
+    std::vector<Screen> outputs;
 };
 
 /// Asks the compositor of the session over a connection of its own; absent when there is none, or

@@ -1,5 +1,7 @@
 #include "fakecompositor.h"
 
+#include "desktop/xdgoutput.h"
+
 #include <wayland-server.h>
 
 namespace {
@@ -11,13 +13,50 @@ void bindNothing(wl_client * /*client*/, void * /*data*/, uint32_t /*version*/, 
 void bindOutput(wl_client *client, void *data, uint32_t version, uint32_t id)
 {
     wl_resource *output = wl_resource_create(client, &wl_output_interface, int(version), id);
+    wl_resource_set_user_data(output, data);
     wl_output_send_geometry(output, 0, 0, 300, 200, WL_OUTPUT_SUBPIXEL_UNKNOWN, "maker", "model",
         WL_OUTPUT_TRANSFORM_NORMAL);
     wl_output_send_mode(output, WL_OUTPUT_MODE_CURRENT, 800, 600, 60000);
-    wl_output_send_scale(output, 1);
-    wl_output_send_name(output, static_cast<const QByteArray *>(data)->constData());
-    wl_output_send_description(output, "an output");
-    wl_output_send_done(output);
+}
+
+void destroy(wl_client * /*client*/, wl_resource *resource)
+{
+    wl_resource_destroy(resource);
+}
+
+using Destroy = decltype(&destroy);
+constexpr Destroy outputRequests = destroy;
+
+enum XdgOutputEvent : uint32_t { LogicalPosition, LogicalSize, Done, Name, Description };
+
+void tellPlace(wl_client *client, wl_resource *manager, uint32_t id, wl_resource *output)
+{
+    const auto &told = *static_cast<FakeCompositor::Output *>(wl_resource_get_user_data(output));
+    const QRect &geometry = told.geometry;
+    wl_resource *xdgOutput = wl_resource_create(
+        client, &desktop::xdgOutputInterface, wl_resource_get_version(manager), id);
+    wl_resource_set_implementation(xdgOutput, &outputRequests, nullptr, nullptr);
+    wl_resource_post_event(xdgOutput, LogicalPosition, geometry.x(), geometry.y());
+    wl_resource_post_event(xdgOutput, LogicalSize, geometry.width(), geometry.height());
+    if (wl_resource_get_version(manager) >= 2) {
+        wl_resource_post_event(xdgOutput, Name, told.name.constData());
+        wl_resource_post_event(xdgOutput, Description, "an output");
+    }
+    wl_resource_post_event(xdgOutput, Done);
+}
+
+struct ManagerRequests
+{
+    Destroy destroy;
+    decltype(&tellPlace) getXdgOutput;
+};
+constexpr ManagerRequests managerRequests{destroy, tellPlace};
+
+void bindManager(wl_client *client, void * /*data*/, uint32_t version, uint32_t id)
+{
+    wl_resource *manager
+        = wl_resource_create(client, &desktop::xdgOutputManagerInterface, int(version), id);
+    wl_resource_set_implementation(manager, &managerRequests, nullptr, nullptr);
 }
 
 } // namespace
@@ -28,9 +67,12 @@ FakeCompositor::FakeCompositor(Offer offer)
     if (m_offer.layerShell) {
         wl_global_create(m_display, &layerShell, 1, nullptr, bindNothing);
     }
-    for (QByteArray &output : m_offer.outputs) {
-        wl_global_create(
-            m_display, &wl_output_interface, m_offer.outputVersion, &output, bindOutput);
+    for (Output &output : m_offer.outputs) {
+        wl_global_create(m_display, &wl_output_interface, 1, &output, bindOutput);
+    }
+    if (m_offer.xdgOutputVersion > 0) {
+        wl_global_create(m_display, &desktop::xdgOutputManagerInterface, m_offer.xdgOutputVersion,
+            nullptr, bindManager);
     }
     qputenv("XDG_RUNTIME_DIR", m_folder.path().toLocal8Bit());
     if (wl_display_add_socket(m_display, "wayland-fake") != 0) {

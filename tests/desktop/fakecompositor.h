@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QRect>
 #include <QTemporaryDir>
 
 #include <thread>
@@ -12,11 +13,16 @@ struct wl_display;
 class FakeCompositor
 {
 public:
+    struct Output
+    {
+        QByteArray name;
+        QRect geometry = {};
+    };
     struct Offer
     {
         bool layerShell = false;
-        std::vector<QByteArray> outputs;
-        int outputVersion = 4;
+        std::vector<Output> outputs;
+        int xdgOutputVersion = 3; ///< 0: the compositor keeps names and places to itself.
     };
 
     explicit FakeCompositor(Offer offer);

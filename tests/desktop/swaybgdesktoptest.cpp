@@ -19,6 +19,10 @@ using desktop::SwaybgDesktop;
 
 namespace {
 
+// Not in the order of their places.
+const std::vector<FakeCompositor::Output> both{
+    {"DP-1", {800, 0, 640, 480}}, {"DP-2", {0, 0, 800, 600}}};
+
 QDeadlineTimer soon()
 {
     return QDeadlineTimer(std::chrono::seconds(20));
@@ -38,7 +42,7 @@ private:
         QFile file(m_folder.filePath(u"log"_s));
         return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
     }
-    QString errorOf(const QString &screen) const
+    QString errorOf(const Screen &screen) const
     {
         QFile program(m_folder.filePath(u"swaybg"_s));
         if (!program.open(QIODevice::WriteOnly)
@@ -50,8 +54,8 @@ private:
         program.close();
         program.setPermissions(QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner);
         SwaybgDesktop desktop(std::make_shared<BackgroundProcesses>(program.fileName()));
-        const auto result = QCoro::waitFor(
-            desktop.setPicture(Picture{u"/a.png"_s, "png"_ba, {}}, Screen{screen, {}}));
+        const auto result
+            = QCoro::waitFor(desktop.setPicture(Picture{u"/a.png"_s, "png"_ba, {}}, screen));
         return result ? u"no error"_s : result.error();
     }
 
@@ -60,28 +64,38 @@ private Q_SLOTS:
 
     void aCompositorTellsWhatItHas()
     {
-        const FakeCompositor compositor({.layerShell = true, .outputs = {"DP-1", "DP-2"}});
+        const FakeCompositor compositor({.layerShell = true, .outputs = both});
         const auto globals = askWaylandGlobals(soon());
         QVERIFY(globals);
         QVERIFY(globals->hasLayerShell);
-        QCOMPARE(globals->outputs, QStringList({u"DP-1"_s, u"DP-2"_s}));
+        const std::vector<Screen> expected{
+            {u"DP-1"_s, {800, 0, 640, 480}}, {u"DP-2"_s, {0, 0, 800, 600}}};
+        QCOMPARE(globals->outputs, expected);
     }
 
     void aCompositorMayHaveNoPlaceForBackgrounds()
     {
-        const FakeCompositor compositor({.outputs = {"DP-1"}});
+        const FakeCompositor compositor({.outputs = both});
         const auto globals = askWaylandGlobals(soon());
         QVERIFY(globals);
         QVERIFY(!globals->hasLayerShell);
     }
 
-    void anOldCompositorTellsNoNames()
+    void aCompositorMayKeepItsOutputsToItself_data()
     {
+        QTest::addColumn<int>("version");
+        QTest::newRow("all of it") << 0;
+        QTest::newRow("their names") << 1;
+    }
+    void aCompositorMayKeepItsOutputsToItself()
+    {
+        QFETCH(int, version);
         const FakeCompositor compositor(
-            {.layerShell = true, .outputs = {"DP-1"}, .outputVersion = 3});
+            {.layerShell = true, .outputs = both, .xdgOutputVersion = version});
         const auto globals = askWaylandGlobals(soon());
         QVERIFY(globals);
-        QCOMPARE(globals->outputs, QStringList());
+        QVERIFY(globals->hasLayerShell);
+        QVERIFY(globals->outputs.empty());
     }
 
     void withoutACompositorThereIsNothing()
@@ -104,43 +118,42 @@ private Q_SLOTS:
         QVERIFY2(elapsed >= 290 && elapsed < 3000, qPrintable(QString::number(elapsed)));
     }
 
-    void aScreenIsOneOfTheOutputs_data()
+    void aPictureIsShownOnItsOutput_data()
     {
-        QTest::addColumn<QStringList>("outputs");
-        QTest::addColumn<QString>("screen");
-        QTest::addColumn<QString>("name");
-        const QStringList both{u"DP-1"_s, u"DP-2"_s};
-        QTest::newRow("by its name") << both << u"DP-2"_s << u"DP-2"_s;
-        QTest::newRow("another name where there are two") << both << u"XWAYLAND0"_s << u"none"_s;
-        QTest::newRow("another name for the only one")
-            << QStringList{u"DP-1"_s} << u"XWAYLAND0"_s << u"DP-1"_s;
-        QTest::newRow("where names are not told") << QStringList() << u"DP-1"_s << u"DP-1"_s;
+        QTest::addColumn<Screen>("screen");
+        QTest::addColumn<QByteArray>("output");
+        QTest::newRow("by its name") << Screen{u"DP-2"_s, {800, 0, 1, 1}} << "DP-2"_ba;
+        QTest::newRow("by its place, as X servers have other names")
+            << Screen{u"XWAYLAND1"_s, {800, 0, 1, 1}} << "DP-1"_ba;
     }
-    void aScreenIsOneOfTheOutputs()
-    {
-        QFETCH(QStringList, outputs);
-        QFETCH(QString, screen);
-        QTEST(SwaybgDesktop::outputName(outputs, screen).value_or(u"none"_s), "name");
-    }
-
     void aPictureIsShownOnItsOutput()
     {
-        const FakeCompositor compositor({.layerShell = true, .outputs = {"DP-1", "DP-2"}});
-        QCOMPARE(errorOf(u"DP-2"_s), u"no error"_s);
-        QCOMPARE(log(), "-o DP-2 -i /a.png -m fill"_ba);
+        QFETCH(Screen, screen);
+        QFETCH(QByteArray, output);
+        const FakeCompositor compositor({.layerShell = true, .outputs = both});
+        QCOMPARE(errorOf(screen), u"no error"_s);
+        QCOMPARE(log(), "-o " + output + " -i /a.png -m fill");
+    }
+
+    void aScreenIsTakenAtItsNameWhereOutputsAreUntold()
+    {
+        const FakeCompositor compositor(
+            {.layerShell = true, .outputs = both, .xdgOutputVersion = 0});
+        QCOMPARE(errorOf(Screen{u"DP-7"_s, {}}), u"no error"_s);
+        QCOMPARE(log(), "-o DP-7 -i /a.png -m fill"_ba);
     }
 
     void nothingIsStartedForAScreenThatIsNotThere()
     {
-        const FakeCompositor compositor({.layerShell = true, .outputs = {"DP-1", "DP-2"}});
-        QCOMPARE(errorOf(u"DP-9"_s), u"The desktop has no screen named DP-9"_s);
+        const FakeCompositor compositor({.layerShell = true, .outputs = both});
+        QCOMPARE(errorOf(Screen{u"DP-9"_s, {0, 600, 1, 1}}), u"The screen is no longer there"_s);
         QCOMPARE(log(), QByteArray());
     }
 
     void nothingIsStartedWithoutACompositor()
     {
         qputenv("WAYLAND_DISPLAY", "wayland-missing");
-        QCOMPARE(errorOf(u"DP-1"_s), u"The desktop cannot be reached"_s);
+        QCOMPARE(errorOf(Screen{u"DP-1"_s, {}}), u"The desktop cannot be reached"_s);
         qunsetenv("WAYLAND_DISPLAY");
         QCOMPARE(log(), QByteArray());
     }

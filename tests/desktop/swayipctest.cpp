@@ -10,7 +10,6 @@ using desktop::Screen;
 using desktop::swayAnswer;
 using desktop::swayCommandResult;
 using desktop::swayMessage;
-using desktop::swayOutput;
 using desktop::swayOutputs;
 using desktop::swayPictureCommand;
 using desktop::SwayQuestion;
@@ -137,27 +136,6 @@ private Q_SLOTS:
         QVERIFY(swayOutputs("[]"_ba)->empty());
         QCOMPARE(swayOutputs("{}"_ba).error(), unreadable);
         QCOMPARE(swayOutputs("[{"_ba).error(), unreadable);
-    }
-
-    void aScreenIsFoundByNameElseByItsPlace_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QPoint>("place");
-        QTest::addColumn<QString>("output");
-        QTest::newRow("its name") << u"DP-1"_s << QPoint(0, 0) << u"DP-1"_s;
-        QTest::newRow("the name counts more than the place")
-            << u"DP-2"_s << QPoint(0, 0) << u"DP-2"_s;
-        QTest::newRow("its place") << u"XWAYLAND1"_s << QPoint(800, 0) << u"DP-2"_s;
-        QTest::newRow("neither") << u"XWAYLAND2"_s << QPoint(0, 600) << u"none"_s;
-    }
-    void aScreenIsFoundByNameElseByItsPlace()
-    {
-        QFETCH(QString, name);
-        QFETCH(QPoint, place);
-        const std::vector<Screen> outputs{
-            {u"DP-1"_s, {0, 0, 800, 600}}, {u"DP-2"_s, {800, 0, 640, 480}}};
-        const auto output = swayOutput(outputs, Screen{name, QRect(place, QSize(1, 1))});
-        QTEST(output ? output->name : u"none"_s, "output");
     }
 
     void aPathIsTakenLetterByLetter_data()

@@ -29,6 +29,8 @@ ANSWER_TIME = 5.0
 QUICK = 1.0
 FADING = 1.5
 LARGEST_ICON = 64
+# What came of it where a process of the program paints.
+ANEW = "Painted anew"
 
 
 class NotRun(Exception):
@@ -41,14 +43,15 @@ class DesktopCheck:
         home = pathlib.Path.home()
         self.program = driver.Plenaura(arguments.programs.resolve(), home)
         self.screens = Screens(arguments.screens, arguments.screenshot, home)
+        self.before = []
         self.shown = []
         self.status = ""
         self.passed = set()
 
     def run(self):
         self.paint_pictures()
-        checks = [self.window, self.tray_icon, self.picture, self.next_picture, self.broken_picture,
-                  self.missing_picture, self.painter_hung, self.painter_gone,
+        checks = [self.window, self.tray_icon, self.panel_restarted, self.second_start, self.picture, self.next_picture, self.broken_picture,
+                  self.missing_picture, self.painter_hung, self.program_killed, self.painter_gone,
                   self.logout]
         for check in checks:
             self.report(check)
@@ -91,9 +94,9 @@ class DesktopCheck:
 
     def window(self):
         self.screens.settle()
-        self.shown = self.screens.colours()
-        self.program.start()
-        wait_until(lambda: len(self.program.look("list item")) == 4, "the pictures in the window")
+        self.before = self.screens.colours()
+        self.shown = list(self.before)
+        self.start_program()
 
     def picture(self):
         self.need(self.window)
@@ -117,6 +120,11 @@ class DesktopCheck:
         self.need(self.picture)
         with self.stopped(self.painters()):
             self.apply("red.png")
+            if self.has_own_painter():
+                self.wait_new_status()
+                self.expect_set([RED, *self.shown[1:]])
+                self.shown[0] = RED
+                return ANEW
             start = time.monotonic()
             slowest = self.wait_new_status(ANSWER_TIME)
             took = time.monotonic() - start
@@ -129,8 +137,26 @@ class DesktopCheck:
         self.expect_set([GREEN, *self.shown[1:]])
         return f"{failure} (after {took:.1f} s)"
 
+    def program_killed(self):
+        """What it has set remains, unless a process of its own shows it."""
+        self.need(self.picture)
+        own_painters = self.painters() if self.has_own_painter() else []
+        self.program.end(signal.SIGKILL)
+        wait_until(lambda: not any(is_alive(process) for process in own_painters), "the painter's end")
+        if own_painters:
+            self.shown[0] = self.before[0]
+        self.screens.settle()
+        if not self.screens.show(self.shown):
+            raise AssertionError(f"the screens show {self.screens.colours()}")
+        self.start_program()
+        self.status = ""
+        return "The picture goes, too" if own_painters else "The picture stays"
+
     def painter_gone(self):
         self.need(self.picture)
+        if self.has_own_painter():
+            self.apply("green.png")
+            self.wait_new_status()
         painters = self.painters()
         if self.arguments.painters_own_windows:
             raise NotRun("All windows go with the painter")
@@ -147,31 +173,76 @@ class DesktopCheck:
             return self.expect_failed()
         # Without its painter an X11 desktop is like one that never had any.
         self.expect_set([RED])
-        return "Shown on the bare screen"
+        return ANEW if self.has_own_painter() else "Shown on the bare screen"
 
     def tray_icon(self):
         self.need(self.window)
         if not self.arguments.tray:
             raise NotRun("There is no tray")
-        return wait_until(lambda: (self.is_item_registered() and "As a StatusNotifierItem")
-                          or (self.is_icon_embedded() and "Embedded"), "the icon in the tray")
+        return self.wait_icon()
+
+    def panel_restarted(self):
+        if not self.arguments.tray:
+            raise NotRun("There is no tray")
+        self.need(self.tray_icon)
+        if self.arguments.panel is None:
+            raise NotRun("The panel is no program of its own")
+        os.kill(self.arguments.panel, signal.SIGKILL)
+        wait_until(lambda: not self.icon(), "the icon to go with the panel")
+        self.ask_desktop("start_panel")
+        return self.wait_icon()
 
     def logout(self):
         """The program says no to the end of the session, closes its windows and stays."""
         self.need(self.window)
         if not self.arguments.logout:
             raise NotRun("No session manager was started")
-        subprocess.run(["bash", "-c", "ask_logout"], check=True)
+        self.ask_desktop("ask_logout")
         wait_until(lambda: not self.program.windows(), "the windows to close")
-        wait_until(lambda: subprocess.run(["bash", "-c", "is_session_kept"], check=False,
-                                          stdout=subprocess.DEVNULL).returncode == 0,
-                   "the session to run on")
-        call(self.program.NAME, "/com/tarnel/Plenaura", "org.freedesktop.Application",
-                    "Activate", GLib.Variant("(a{sv})", ({},)))
-        self.program.find("push button", driver.GENERATE)
-        return "Cancelled, the program stays"
+        wait_until(lambda: self.ask_desktop("is_session_kept", check=False), "the session to run on")
+        self.start_again()
+        return self.arguments.logout
+
+    def second_start(self):
+        """With no window there is a way back, and without a tray the window brings its menu."""
+        self.need(self.window)
+        if not self.ask_desktop("close_window", check=False):
+            raise NotRun("Nothing can close a window from outside")
+        wait_until(lambda: not self.program.windows(), "the window to close")
+        self.start_again()
+        if self.arguments.tray:
+            self.need(self.tray_icon)
+            self.program.wait_gone("push button", "Menu")
+            return "Shows the window"
+        self.program.find("push button", "Menu")
+        return "Shows the window, with a menu"
 
     # What they are made of.
+
+    @staticmethod
+    def ask_desktop(function, check=True):
+        return subprocess.run(["bash", "-c", function], check=check,
+                              stdout=subprocess.DEVNULL).returncode == 0
+
+    def start_again(self):
+        status = subprocess.run([self.program.binaries / self.program.program], check=False).returncode
+        if status != 0:
+            raise AssertionError(f"the second start ended with status {status}")
+        self.program.find("push button", driver.GENERATE)
+
+    def start_program(self):
+        self.program.start()
+        pictures = len(list(self.program.image_folder.iterdir()))
+        wait_until(lambda: len(self.program.look("list item")) == pictures, "the pictures in the window")
+
+    def wait_icon(self):
+        return wait_until(self.icon, "the icon in the tray")
+
+    def icon(self):
+        """How the tray has it; nothing if it does not."""
+        if self.is_item_registered():
+            return "As a StatusNotifierItem"
+        return "Embedded" if self.is_icon_embedded() else ""
 
     def is_item_registered(self):
         item = self.program.tray_item()
@@ -190,14 +261,29 @@ class DesktopCheck:
 
     def painters(self):
         """Process ids. The bus is asked anew, since a desktop may start a painter again."""
-        found = [int(name) if name.isdigit() else process_of(name) for name in self.painter_names]
+        found = [process for name in self.painter_names for process in self.processes_of(name)]
         if not found:
             raise NotRun("Nobody but the program paints")
         return found
 
-    @staticmethod
-    def is_there(painter):
-        return is_alive(painter) if painter.isdigit() else has_owner(painter)
+    def processes_of(self, painter):
+        if painter.isdigit():
+            return [int(painter)]
+        return [process_of(painter)] if "." in painter else self.children(painter)
+
+    def has_own_painter(self):
+        """Whether a child of the program paints; such painters go by the name of their program."""
+        return any(not name.isdigit() and "." not in name for name in self.painter_names)
+
+    def children(self, name):
+        found = subprocess.run(["pgrep", "--exact", name, "--parent", str(self.program.process.child.pid)],
+                               capture_output=True, text=True, check=False)
+        return [int(process) for process in found.stdout.split()]
+
+    def is_there(self, painter):
+        if painter.isdigit():
+            return is_alive(painter)
+        return has_owner(painter) if "." in painter else bool(self.children(painter))
 
     @staticmethod
     @contextlib.contextmanager
@@ -208,7 +294,8 @@ class DesktopCheck:
             yield
         finally:
             for process in processes:
-                os.kill(process, signal.SIGCONT)
+                with contextlib.suppress(ProcessLookupError):  # The program ends a painter of its own.
+                    os.kill(process, signal.SIGCONT)
 
     def apply(self, tile):
         """Presses the tile's own button, which is there once the tile has the focus."""
@@ -300,7 +387,8 @@ def main():
     parser.add_argument("--painters", default="")
     parser.add_argument("--painters-own-windows", action="store_true")
     parser.add_argument("--tray", action="store_true")
-    parser.add_argument("--logout", action="store_true")
+    parser.add_argument("--panel", type=int)
+    parser.add_argument("--logout")
     parser.add_argument("--screenshot", required=True)
     DesktopCheck(parser.parse_args()).run()
 

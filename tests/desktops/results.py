@@ -16,12 +16,17 @@ X11 = "X server without hardware, its root window read"
 TITLES = {
     "xfce": ("Xfce", X11),
     "plasma": ("KDE Plasma on X11", X11),
+    "plasma-wayland": ("KDE Plasma on Wayland", "Headless KWin, its own screenshots"),
     "gnome": ("GNOME on Wayland", "Headless GNOME Shell, its own screenshots"),
+    "gnome-plain": ("GNOME without extensions", "Headless GNOME Shell, its own screenshots"),
     "budgie": ("Budgie", X11),
     "cinnamon": ("Cinnamon", X11),
     "mate": ("MATE", X11),
     "lxqt": ("LXQt", X11),
     "sway": ("sway", "Headless sway, screenshots by grim"),
+    "phoc": ("phoc, a wlroots compositor", "Headless phoc, screenshots by grim"),
+    "phoc-xwayland": ("phoc, the program an X11 client", "Headless phoc, screenshots by grim"),
+    "openbox-tint2": ("Openbox with the panel tint2", X11),
     "openbox": ("Openbox without a desktop", X11),
 }
 PAGE = """# Desktops
@@ -33,11 +38,12 @@ two. *Yes* under one screen: "Apply" in the gallery puts the picture on the scre
 after it; a damaged or missing file gives "Failed: ..." and leaves the screen alone. *Yes* under two
 screens: the same on the main screen, while the other one keeps what it showed. What the screens
 show is read from a pixel of each. *Hangs* and *is gone* tell what the program says when the part of
-the desktop that paints was stopped or killed before "Apply". Nothing here is claimed that was not
-run; "not run" says why.
+the desktop that paints was stopped or killed before "Apply"; *program is killed*, what becomes of a
+picture it has set. *Second start* is made while the window is closed. Nothing here is claimed that
+was not run; "not run" says why.
 
-| Desktop | Package | One screen | Two screens | Painter hangs | Painter is gone | Tray icon | Logout | Read how |
-|---|---|---|---|---|---|---|---|---|
+| Desktop | Package | One screen | Two screens | Painter hangs | Painter is gone | Program is killed | Tray icon | Panel restarted | Second start | Logout | Read how |
+|---|---|---|---|---|---|---|---|---|---|---|---|
 """
 PICTURE_CHECKS = ("window", "picture", "next picture", "broken picture", "missing picture")
 
@@ -56,7 +62,7 @@ def read(file):
 def table(file):
     found = read(file)
     for line in found:
-        print(f"{line['desktop']:<9} {line['screens']}  {line['check']:<15} {line['outcome']:<8} "
+        print(f"{line['desktop']:<15} {line['screens']}  {line['check']:<15} {line['outcome']:<8} "
               f"{line['detail']}".rstrip())
     count = {outcome: sum(line["outcome"] == outcome for line in found)
              for outcome in (PASSED, FAILED, NOT_RUN)}
@@ -106,7 +112,8 @@ def page(file):
     for name, (title, how) in TITLES.items():
         desktop = Desktop([line for line in found if line["desktop"] == name])
         cells = [title, desktop.package(), desktop.pictures(1), desktop.pictures(2),
-                 *(desktop.both(check) for check in ("painter hung", "painter gone", "tray icon", "logout")),
+                 *(desktop.both(check) for check in (
+                     "painter hung", "painter gone", "program killed", "tray icon", "panel restarted", "second start", "logout")),
                  how]
         print("| " + " | ".join(cells) + " |")
 

@@ -1,3 +1,4 @@
+#include "desktop/output.h"
 #include "desktop/swayipc.h"
 #include "input.h"
 
@@ -16,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (outputs) {
         for (const desktop::Screen &output : *outputs) {
             fuzzing::require(!output.name.isEmpty());
-            fuzzing::require(desktop::swayOutput(*outputs, output).has_value());
+            fuzzing::require(desktop::outputOf(output, *outputs).has_value());
         }
     }
     return 0;
