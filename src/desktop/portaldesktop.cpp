@@ -75,8 +75,7 @@ SetResult resultOf(std::optional<uint> code)
 {
     if (!code) {
         return tl::make_unexpected(
-            u"The desktop did not answer within %1 seconds; it may be asking for permission"_s.arg(
-                answerTime.count()));
+            u"The desktop did not answer; it may be asking for permission"_s);
     }
     switch (*code) {
     case 0:
@@ -90,7 +89,10 @@ SetResult resultOf(std::optional<uint> code)
 
 } // namespace
 
-PortalDesktop::PortalDesktop(QDBusConnection bus) : m_bus(std::move(bus)) { }
+PortalDesktop::PortalDesktop(QDBusConnection bus, std::chrono::milliseconds patience)
+    : m_bus(std::move(bus)), m_patience(patience)
+{
+}
 
 QCoro::Task<SetResult> PortalDesktop::setPicture(Picture picture, Screen /*screen*/)
 {
@@ -102,14 +104,14 @@ QCoro::Task<SetResult> PortalDesktop::setPicture(Picture picture, Screen /*scree
     if (!file.open(QIODevice::ReadOnly)) {
         co_return tl::make_unexpected(u"The file cannot be read: "_s + file.errorString());
     }
-    const QDeadlineTimer deadline(answerTime);
     const QString token = u"plenaura"_s + QUuid::createUuid().toString(QUuid::Id128);
     PortalResponse response(m_bus, token);
-    const BusResult asked = co_await callBus(m_bus, wallpaperCall(file, token), deadline);
+    const BusResult asked
+        = co_await callBus(m_bus, wallpaperCall(file, token), QDeadlineTimer(answerTime));
     if (!asked) {
         co_return tl::make_unexpected(asked.error().sentence);
     }
-    const std::optional<uint> code = co_await response.code(deadline);
+    const std::optional<uint> code = co_await response.code(QDeadlineTimer(m_patience));
     co_return resultOf(code);
 }
 

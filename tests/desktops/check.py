@@ -50,12 +50,14 @@ class DesktopCheck:
 
     def run(self):
         self.paint_pictures()
-        checks = [self.window, self.tray_icon, self.panel_restarted, self.second_start, self.picture, self.next_picture, self.broken_picture,
-                  self.missing_picture, self.painter_hung, self.program_killed, self.painter_gone,
-                  self.logout]
-        for check in checks:
+        for check in self.checks():
             self.report(check)
         self.program.end()
+
+    def checks(self):
+        return [self.window, self.tray_icon, self.panel_restarted, self.second_start, self.picture,
+                self.next_picture, self.broken_picture, self.missing_picture, self.painter_hung,
+                self.program_killed, self.painter_gone, self.logout]
 
     def report(self, check):
         """Runs one check and writes down what came of it."""
@@ -247,7 +249,7 @@ class DesktopCheck:
     def is_item_registered(self):
         item = self.program.tray_item()
         # Some watchers add the object's path to the name.
-        return item and process_of(re.split("[@/]", item)[0]) == self.program.process.child.pid
+        return item and process_of(re.split("[@/]", item)[0]) == self.program.process_id()
 
     def is_icon_embedded(self):
         """Whether a small window of the program is in a window of somebody else."""
@@ -378,7 +380,7 @@ def is_alive(process):
     return state != "Z"
 
 
-def main():
+def arguments():
     parser = argparse.ArgumentParser()
     parser.add_argument("programs", type=pathlib.Path)
     parser.add_argument("--desktop", required=True)
@@ -390,8 +392,8 @@ def main():
     parser.add_argument("--panel", type=int)
     parser.add_argument("--logout")
     parser.add_argument("--screenshot", required=True)
-    DesktopCheck(parser.parse_args()).run()
+    return parser.parse_args()
 
 
 if __name__ == "__main__":
-    main()
+    DesktopCheck(arguments()).run()

@@ -88,10 +88,19 @@ class Plenaura:
 
     # Starting and ending.
 
+    def command(self):
+        return [self.binaries / self.program]
+
+    def process_id(self):
+        """Which program it is among the accessible ones."""
+        return self.process.child.pid
+
+    def surroundings(self):
+        return {**os.environ, "HOME": str(self.home),
+                "XDG_CONFIG_HOME": str(self.home / ".config"), **self.environment}
+
     def start(self, wait_for_window=True, **options):
-        environment = {**os.environ, "HOME": str(self.home),
-                       "XDG_CONFIG_HOME": str(self.home / ".config"), **self.environment}
-        self.process = Process([self.binaries / self.program], env=environment, **options)
+        self.process = Process(self.command(), env=self.surroundings(), **options)
         wait_until(lambda: has_owner(self.NAME) or not self.process.alive(), "the program's name")
         if wait_for_window:
             self.find("push button", GENERATE)
@@ -118,7 +127,7 @@ class Plenaura:
         for index in range(desktop.get_child_count()):
             child = desktop.get_child_at_index(index)
             try:
-                if child is not None and child.get_process_id() == self.process.child.pid:
+                if child is not None and child.get_process_id() == self.process_id():
                     return child
             except GLib.Error:
                 continue
