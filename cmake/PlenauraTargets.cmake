@@ -35,7 +35,7 @@ if(PLENAURA_SANITIZE)
 endif()
 
 # Reading Qt's headers is more than half of compiling, and so they are read once. That spares no file
-# its own includes: clang-tidy reads each one without it. Objective-C++ would need a set of its own.
+# its own includes: the debug build goes without. Objective-C++ would need a set of its own.
 if(APPLE)
   set(PLENAURA_PRECOMPILE OFF)
 endif()

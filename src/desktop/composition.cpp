@@ -32,7 +32,7 @@ QImage halved(const QImage &image)
         const auto *upper = reinterpret_cast<const QRgb *>(image.constScanLine(2 * y));
         const auto *lower = reinterpret_cast<const QRgb *>(image.constScanLine(2 * y + 1));
         auto *line = reinterpret_cast<QRgb *>(half.scanLine(y));
-        for (int x = 0; x < half.width(); ++x) {
+        for (qsizetype x = 0; x < half.width(); ++x) {
             line[x] = mean(upper[2 * x], upper[2 * x + 1], lower[2 * x], lower[2 * x + 1]);
         }
     }

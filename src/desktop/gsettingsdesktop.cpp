@@ -20,7 +20,7 @@ QString unanswered()
     return u"The desktop's settings did not answer within %1 seconds"_s.arg(answerTime.count());
 }
 
-Placement placementNamed(const QString &option)
+Placement placementOfOption(const QString &option)
 {
     return option == "none"_L1     ? Placement::None
         : option == "wallpaper"_L1 ? Placement::Tile
@@ -69,7 +69,8 @@ tl::expected<Setting, QString> readSetting(const BackgroundKeys &keys)
         const bool isDark = settings.has(keys.darkPicture) && prefersDark();
         const QString file = fileFrom(settings.value(isDark ? keys.darkPicture : keys.picture));
         const QString option = settings.value(options);
-        return Setting{file, placementNamed(option), option == "spanned"_L1, backdropOf(settings)};
+        return Setting{
+            file, placementOfOption(option), option == "spanned"_L1, backdropOf(settings)};
     });
 }
 

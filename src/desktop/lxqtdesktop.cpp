@@ -52,7 +52,7 @@ QVariant savedSetting(const QString &name)
     return QSettings(settingsFile(), QSettings::IniFormat).value(u"Desktop/"_s + name);
 }
 
-Placement placementNamed(const QString &mode)
+Placement placementOfMode(const QString &mode)
 {
     return mode == "none"_L1  ? Placement::None
         : mode == "tile"_L1   ? Placement::Tile
@@ -91,7 +91,7 @@ QCoro::Task<bool> LxqtDesktop::paints(QDBusConnection bus, QDeadlineTimer deadli
 QCoro::Task<tl::expected<Setting, QString>> LxqtDesktop::setting()
 {
     const QColor colour(savedSetting(u"BgColor"_s).toString());
-    const Placement placement = placementNamed(savedSetting(u"WallpaperMode"_s).toString());
+    const Placement placement = placementOfMode(savedSetting(u"WallpaperMode"_s).toString());
     const bool isEachByItself
         = paintsEachScreenByItself() || QGuiApplication::screens().size() == 1;
     // The mode that comes with a picture is forgotten at the next start; then this one counts.

@@ -7,7 +7,8 @@ namespace desktop {
 
 using namespace std::chrono_literals;
 
-ScreenChanges::ScreenChanges(QDBusConnection bus, const QStringList &painters, QObject *parent)
+ScreenChanges::ScreenChanges(
+    const QDBusConnection &bus, const QStringList &painters, QObject *parent)
     : QObject(parent)
 {
     m_painters.setConnection(bus);

@@ -21,7 +21,7 @@ public:
     /// What happened before a painter came, such as after the login, is made up for when its name
     /// appears among @p painters on the @p bus.
     explicit ScreenChanges(
-        QDBusConnection bus, const QStringList &painters, QObject *parent = nullptr);
+        const QDBusConnection &bus, const QStringList &painters, QObject *parent = nullptr);
 
 Q_SIGNALS:
     void settled();
