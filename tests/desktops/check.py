@@ -188,7 +188,7 @@ class DesktopCheck:
             raise NotRun("There is no tray")
         self.need(self.tray_icon)
         if self.arguments.panel is None:
-            raise NotRun("The panel is no program of its own")
+            raise NotRun("The panel is not started anew here")
         os.kill(self.arguments.panel, signal.SIGKILL)
         wait_until(lambda: not self.icon(), "the icon to go with the panel")
         self.ask_desktop("start_panel")
