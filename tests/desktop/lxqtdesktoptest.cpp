@@ -1,6 +1,5 @@
 #include "desktop/lxqtdesktop.h"
 
-#include "desktop/choosedesktop.h"
 #include "desktop/screenchanges.h"
 #include "desktop/systemdesktoppicture.h"
 #include "errorof.h"
@@ -9,7 +8,6 @@
 #include "twoscreens.h"
 
 #include <QCoroTask>
-#include <QDBusVirtualObject>
 #include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -69,19 +67,6 @@ void rememberOtherScreens()
     memory.write(text);
 }
 
-/// Is there, and never answers anything.
-class Mute : public QDBusVirtualObject
-{
-public:
-    using QDBusVirtualObject::QDBusVirtualObject;
-
-    QString introspect(const QString & /*path*/) const override { return {}; }
-    bool handleMessage(const QDBusMessage & /*message*/, const QDBusConnection & /*bus*/) override
-    {
-        return true;
-    }
-};
-
 } // namespace
 
 class LxqtDesktopTest : public QObject
@@ -90,8 +75,6 @@ class LxqtDesktopTest : public QObject
 
 private:
     PictureFolder m_folder{{160, 90}};
-    QDBusConnection m_other
-        = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"another"_s);
 
 private Q_SLOTS:
     void init()
@@ -269,20 +252,6 @@ private Q_SLOTS:
         QVERIFY2(
             error.startsWith(u"The desktop did not answer within 3 seconds"_s), qPrintable(error));
         QCOMPARE(errorOf(set(red.file)), u"no error"_s);
-    }
-
-    void whoHangsWhenItIsLookedForHasLessTimeToAnswer()
-    {
-        Mute mute;
-        QVERIFY(m_other.registerVirtualObject(u"/Application"_s, &mute));
-        QVERIFY(m_other.registerService(u"org.pcmanfm.PCManFM"_s));
-        const desktop::Painting painting
-            = QCoro::waitFor(desktop::lookAround(QDBusConnection::sessionBus()));
-        QVERIFY(m_other.unregisterService(u"org.pcmanfm.PCManFM"_s));
-        m_other.unregisterObject(u"/Application"_s);
-        QVERIFY(painting.isFileManagerPainting);
-        // It had a third of the time, give or take the coarseness of timers.
-        QVERIFY(painting.fileManagersTime < desktop::answerTime * 5 / 6);
     }
 
     void aFileManagerThatComesLaterIsGivenWhatTheScreensShouldShow()
