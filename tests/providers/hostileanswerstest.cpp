@@ -22,6 +22,9 @@ using Ending = HttpAnswer::Ending;
 namespace {
 
 constexpr qint64 megabyte = qint64(1) << 20;
+// A body at its bound, held twice, and what is read of it; with the program's own memory that stays
+// below 400 MB.
+constexpr qint64 mostMemory = 320 * megabyte;
 
 /// Whether memory is used as it is without a sanitizer, which keeps what is freed for a while.
 #ifdef __SANITIZE_ADDRESS__
@@ -188,7 +191,7 @@ private Q_SLOTS:
         const Heart heart;
         QCOMPARE(answerOf(exchange, request(server.secureUrl())), expected);
         QVERIFY(heart.longestPause() < 10s);
-        QCOMPARE_LT(memory.growth().value() * int(memoryCounts), 160 * megabyte);
+        QCOMPARE_LT(memory.growth().value() * int(memoryCounts), mostMemory);
         QTRY_COMPARE(server.openConnections(), 0);
         QCOMPARE(answerOf(exchange, request(server.secureUrl())), u"next"_s);
     }
@@ -225,7 +228,7 @@ private Q_SLOTS:
         HttpExchange exchange(10s);
         const testlibs::PeakMemory memory;
         QCOMPARE(answerOf(exchange, request(server.url())), expected);
-        QCOMPARE_LT(memory.growth().value() * int(memoryCounts), 160 * megabyte);
+        QCOMPARE_LT(memory.growth().value() * int(memoryCounts), mostMemory);
     }
 
     void nothingIsTakenFromTheNetworkThatIsNotRead()
@@ -244,15 +247,12 @@ private Q_SLOTS:
         QTRY_VERIFY(readerThread != nullptr);
         server.release();
         // The exchange is busy with the other answer. Of the stream only what buffers on the way
-        // hold may leave the server, whose loop then turns without getting rid of any more.
-        int idleTurns = 0;
-        for (qint64 before = -1; idleTurns < 100 && server.bytesSent() < 100 * megabyte;) {
-            QTest::qWait(5);
-            const qint64 now = server.bytesSent();
-            idleTurns = now == before ? idleTurns + 1 : 0;
-            before = now;
+        // hold may leave the server, which then gets rid of no more.
+        qint64 taken = -1;
+        const auto moreIsTaken = [&] { return server.bytesSent() != taken; };
+        while (taken < 100 * megabyte && QTest::qWaitFor(moreIsTaken, 500)) {
+            taken = server.bytesSent();
         }
-        const qint64 taken = server.bytesSent();
         allowsReading().release();
         QTRY_COMPARE_WITH_TIMEOUT(outcomes, QStringList({u"slow"_s, tooLarge}), 60000);
         QCOMPARE_LT(taken, 32 * megabyte);
@@ -283,7 +283,7 @@ private Q_SLOTS:
             canned::outcome(QCoro::waitFor(provider.generate(u"p"_s, u"canary-key"_s, u"m"_s))),
             expected);
         QVERIFY(heart.longestPause() < 10s);
-        QCOMPARE_LT(memory.growth().value() * int(memoryCounts), 320 * megabyte);
+        QCOMPARE_LT(memory.growth().value() * int(memoryCounts), mostMemory);
     }
 };
 

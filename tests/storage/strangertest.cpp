@@ -124,6 +124,7 @@ private:
 void StrangerTest::initTestCase()
 {
     if (::getuid() != 0) {
+        // The modes that keep strangers out are traced for everybody in interruptedsavetest.
         QSKIP("Only root can become another user.");
     }
 }
