@@ -28,27 +28,16 @@ QRgb mean(QRgb one, QRgb two, QRgb three, QRgb four)
 QImage halved(const QImage &image)
 {
     QImage half(image.width() / 2, image.height() / 2, image.format());
+    const qsizetype width = half.width(); // Or it is asked for at each pixel.
     for (int y = 0; y < half.height(); ++y) {
         const auto *upper = reinterpret_cast<const QRgb *>(image.constScanLine(2 * y));
         const auto *lower = reinterpret_cast<const QRgb *>(image.constScanLine(2 * y + 1));
         auto *line = reinterpret_cast<QRgb *>(half.scanLine(y));
-        for (qsizetype x = 0; x < half.width(); ++x) {
+        for (qsizetype x = 0; x < width; ++x) {
             line[x] = mean(upper[2 * x], upper[2 * x + 1], lower[2 * x], lower[2 * x + 1]);
         }
     }
     return half;
-}
-
-// The painter's own scaling looks at four pixels only, which spoils pictures made much smaller;
-// Qt's smooth one looks at all, and takes so long for it that halving comes first.
-QImage scaled(QImage image, QSize size)
-{
-    while (image.width() >= 2 * size.width() && image.height() >= 2 * size.height()) {
-        image = halved(image);
-    }
-    return image.size() == size
-        ? image
-        : image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
 /// A part of @p image, which must outlive it: copying takes as long as half a decode.
@@ -58,10 +47,24 @@ QImage view(const QImage &image, const QRect &part)
     return {begin, part.width(), part.height(), image.bytesPerLine(), image.format()};
 }
 
-QImage coveringImage(const QImage &image, QSize size)
+// The painter's own scaling looks at four pixels, which is enough for pictures that are not made
+// smaller than half their size. Halved until they are not, they come out as sharp as by Qt's other
+// way, which takes longer and is left for those that get much narrower or much flatter.
+void drawScaled(QPainter &painter, QImage image, const QRect &area)
 {
-    const QSize kept = size.scaled(image.size(), Qt::KeepAspectRatio).expandedTo({1, 1});
-    return scaled(view(image, centered(kept, image.rect())), size);
+    while (image.width() >= 2 * area.width() && image.height() >= 2 * area.height()) {
+        image = halved(image);
+    }
+    if (image.width() >= 2 * area.width() || image.height() >= 2 * area.height()) {
+        image = image.scaled(area.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    painter.drawImage(area, image);
+}
+
+void drawCovering(QPainter &painter, const QImage &image, const QRect &area)
+{
+    const QSize kept = area.size().scaled(image.size(), Qt::KeepAspectRatio).expandedTo({1, 1});
+    drawScaled(painter, view(image, centered(kept, image.rect())), area);
 }
 
 void drawTiles(QPainter &painter, const Part &part)
@@ -72,8 +75,8 @@ void drawTiles(QPainter &painter, const Part &part)
 
 void drawPicture(QPainter &painter, const Part &part)
 {
-    const QSize size = part.area.size();
-    const QSize fitting = part.image.size().scaled(size, Qt::KeepAspectRatio).expandedTo({1, 1});
+    const QSize size = part.image.size();
+    const QSize fitting = size.scaled(part.area.size(), Qt::KeepAspectRatio).expandedTo({1, 1});
     switch (part.placement) {
     case Placement::None:
         break;
@@ -81,16 +84,16 @@ void drawPicture(QPainter &painter, const Part &part)
         drawTiles(painter, part);
         break;
     case Placement::Center:
-        painter.drawImage(centered(part.image.size(), part.area).topLeft(), part.image);
+        painter.drawImage(centered(size, part.area).topLeft(), part.image);
         break;
     case Placement::Fit:
-        painter.drawImage(centered(fitting, part.area).topLeft(), scaled(part.image, fitting));
+        drawScaled(painter, part.image, centered(fitting, part.area));
         break;
     case Placement::Stretch:
-        painter.drawImage(part.area.topLeft(), scaled(part.image, size));
+        drawScaled(painter, part.image, part.area);
         break;
     case Placement::Cover:
-        painter.drawImage(part.area.topLeft(), coveringImage(part.image, size));
+        drawCovering(painter, part.image, part.area);
         break;
     }
 }
@@ -136,6 +139,7 @@ QImage compose(const QList<Part> &parts)
     QImage composed(desktop.size(), QImage::Format_RGB32);
     composed.fill(Qt::black);
     QPainter painter(&composed);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.translate(-desktop.topLeft());
     for (const Part &part : parts) {
         draw(painter, part);
