@@ -212,7 +212,8 @@ private Q_SLOTS:
             answerOf(exchange, request(server.url()));
         }
         QTRY_COMPARE(server.openConnections(), 0);
-        QTRY_COMPARE(testlibs::Belongings::now().files, before.files);
+        // The first connection may still have been there before.
+        QTRY_COMPARE_LE(testlibs::Belongings::now().files, before.files);
         QTRY_COMPARE_LE(threads(), before.threads);
     }
 
