@@ -1,15 +1,14 @@
 #include "app/sessionclient.h"
 
 #include "app/appdelegate.h"
+#include "desktop/buscall.h"
 
 #include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusPendingReply>
+#include <QDBusPendingCall>
 #include <QDBusServiceWatcher>
 #include <QGuiApplication>
 #include <QPointer>
-
-#include <QCoroDBusPendingCall>
 
 using namespace Qt::StringLiterals;
 
@@ -38,10 +37,18 @@ bool SessionClient::isAskedByX11()
 
 void SessionClient::watch()
 {
-    auto *const names = new QDBusServiceWatcher(
-        managerName, m_bus, QDBusServiceWatcher::WatchForRegistration, this);
-    connect(names, &QDBusServiceWatcher::serviceRegistered, this, [this] { registerClient(); });
+    m_names = std::make_unique<QDBusServiceWatcher>(
+        managerName, m_bus, QDBusServiceWatcher::WatchForRegistration);
+    connect(
+        m_names.get(), &QDBusServiceWatcher::serviceRegistered, this, [this] { registerClient(); });
     registerClient();
+}
+
+void SessionClient::moveTo(const QDBusConnection &bus)
+{
+    m_bus = bus;
+    m_path.clear();
+    watch();
 }
 
 QCoro::Task<> SessionClient::registerClient()
@@ -51,17 +58,20 @@ QCoro::Task<> SessionClient::registerClient()
         managerName, managerPath, managerName, u"RegisterClient"_s);
     call << QGuiApplication::desktopFileName() << qEnvironmentVariable("DESKTOP_AUTOSTART_ID");
     call.setAutoStartService(false);
-    const QDBusPendingReply<QDBusObjectPath> answer = co_await m_bus.asyncCall(call);
-    if (alive && answer.isValid()) {
-        m_path = answer.value().path();
+    const desktop::BusResult answer
+        = co_await desktop::callBus(m_bus, call, QDeadlineTimer(desktop::unhurriedTime));
+    const auto path = answer ? answer->value(0).value<QDBusObjectPath>() : QDBusObjectPath();
+    if (alive && !path.path().isEmpty()) {
+        m_path = path.path();
         listen();
     }
 }
 
 void SessionClient::listen()
 {
+    // Whoever else is on the bus could quit the program in simpler ways.
     const auto connectTo = [this](const QString &signal, const char *slot) {
-        m_bus.connect(managerName, m_path, clientInterface, signal, this, slot);
+        m_bus.connect(desktop::anybody, m_path, clientInterface, signal, this, slot);
     };
     connectTo(u"QueryEndSession"_s, SLOT(onQueryEndSession()));
     connectTo(u"EndSession"_s, SLOT(onEndSession()));

@@ -4,6 +4,10 @@
 #include <QDBusConnection>
 #include <QObject>
 
+#include <memory>
+
+class QDBusServiceWatcher;
+
 namespace app {
 
 class AppDelegate;
@@ -25,6 +29,8 @@ public:
     static bool isAskedByX11();
     /// Registers with the session manager, and with any that comes later.
     void watch();
+    /// The same on another @p bus from now on.
+    void moveTo(const QDBusConnection &bus);
     bool isRegistered() const { return !m_path.isEmpty(); }
 
 private Q_SLOTS:
@@ -39,6 +45,7 @@ private:
 
     AppDelegate &m_delegate;
     QDBusConnection m_bus;
+    std::unique_ptr<QDBusServiceWatcher> m_names;
     QString m_path; ///< What the session manager knows this program by.
 };
 

@@ -1,6 +1,5 @@
 #include "app/singleinstance.h"
 
-#include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 
@@ -46,16 +45,18 @@ SingleInstance::SingleInstance(QObject *parent) : QObject(parent) { }
 
 SingleInstance::Role SingleInstance::claim()
 {
-    auto bus = QDBusConnection::sessionBus();
+    const auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         return Role::First;
     }
+    return serveOn(bus) ? Role::First : activateOther();
+}
+
+bool SingleInstance::serveOn(QDBusConnection bus)
+{
     // The object must be there before the name: whoever sees the name may call at once.
     bus.registerObject(objectPath, this, QDBusConnection::ExportAllSlots);
-    if (bus.registerService(serviceName)) {
-        return Role::First;
-    }
-    return activateOther();
+    return bus.registerService(serviceName);
 }
 
 SingleInstance::Role SingleInstance::activateOther()

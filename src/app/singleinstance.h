@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDBusConnection>
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
@@ -27,6 +28,8 @@ public:
     /// Takes the name, or hands the wish to be shown to whoever has it. Waits for at most some
     /// seconds for the other program's answer.
     Role claim();
+    /// Offers itself on @p bus. False where another program has the name.
+    bool serveOn(QDBusConnection bus);
 
     /// Whether the bus started this program: then nobody has asked for a window yet.
     static bool startedByBus();

@@ -1,15 +1,13 @@
 #include "app/trayhost.h"
 
-#include <QDBusConnection>
+#include "desktop/buscall.h"
+
 #include <QDBusMessage>
-#include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <QPointer>
 #include <QSocketNotifier>
-
-#include <QCoroDBusPendingCall>
 
 #include <cstdlib>
 
@@ -118,21 +116,22 @@ private:
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
 
-TrayHost::TrayHost(QObject *parent) : QObject(parent) { }
+TrayHost::TrayHost(QObject *parent) : QObject(parent), m_bus(QString()) { }
 
 TrayHost::~TrayHost() = default;
 
-void TrayHost::watch()
+void TrayHost::watch(const QDBusConnection &bus)
 {
-    auto bus = QDBusConnection::sessionBus();
-    auto *const names = new QDBusServiceWatcher(
-        watcherService, bus, QDBusServiceWatcher::WatchForRegistration, this);
-    connect(names, &QDBusServiceWatcher::serviceRegistered, this, &TrayHost::askForHost);
-    bus.connect(watcherService, watcherPath, watcherService, u"StatusNotifierHostRegistered"_s,
+    m_isAvailable = false;
+    m_bus = bus;
+    m_names = std::make_unique<QDBusServiceWatcher>(
+        watcherService, m_bus, QDBusServiceWatcher::WatchForRegistration);
+    connect(m_names.get(), &QDBusServiceWatcher::serviceRegistered, this, &TrayHost::askForHost);
+    m_bus.connect(desktop::anybody, watcherPath, watcherService, u"StatusNotifierHostRegistered"_s,
         this, SLOT(askForHost()));
     askForHost();
 
-    if (QGuiApplication::platformName() == "xcb"_L1) {
+    if (QGuiApplication::platformName() == "xcb"_L1 && !m_selectionWatch) {
         m_selectionWatch = std::make_unique<SelectionWatch>(*this);
     }
 }
@@ -149,9 +148,9 @@ QCoro::Task<> TrayHost::findHost()
         watcherService, watcherPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     question << watcherService << u"IsStatusNotifierHostRegistered"_s;
     question.setAutoStartService(false);
-    const QDBusPendingReply<QDBusVariant> answer
-        = co_await QDBusConnection::sessionBus().asyncCall(question);
-    if (alive && answer.isValid() && answer.value().variant().toBool()) {
+    const desktop::BusResult answer
+        = co_await desktop::callBus(m_bus, question, QDeadlineTimer(desktop::unhurriedTime));
+    if (alive && answer && answer->value(0).value<QDBusVariant>().variant().toBool()) {
         onSeen();
     }
 }

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <QCoroTask>
+#include <QDBusConnection>
 #include <QObject>
 
 #include <memory>
+
+class QDBusServiceWatcher;
 
 namespace app {
 
@@ -21,13 +24,12 @@ public:
     ~TrayHost() override;
 
     bool isAvailable() const { return m_isAvailable; }
+    /// Once more on another @p bus, when the one before has ended.
+    void watch(const QDBusConnection &bus = QDBusConnection::sessionBus());
 
 Q_SIGNALS:
-    /// Once, as soon as the first host is seen; maybe from within watch().
+    /// Once for each bus, as soon as the first host is seen; maybe from within watch().
     void available();
-
-public Q_SLOTS:
-    void watch();
 
 private Q_SLOTS:
     void askForHost();
@@ -39,6 +41,8 @@ private:
     void onSeen();
 
     bool m_isAvailable = false;
+    QDBusConnection m_bus;
+    std::unique_ptr<QDBusServiceWatcher> m_names;
     std::unique_ptr<SelectionWatch> m_selectionWatch;
 };
 

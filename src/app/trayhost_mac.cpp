@@ -1,16 +1,18 @@
 #include "app/trayhost.h"
 
+#include <QDBusServiceWatcher>
+
 namespace app {
 
 class TrayHost::SelectionWatch
 {
 };
 
-TrayHost::TrayHost(QObject *parent) : QObject(parent) { }
+TrayHost::TrayHost(QObject *parent) : QObject(parent), m_bus(QString()) { }
 
 TrayHost::~TrayHost() = default;
 
-void TrayHost::watch()
+void TrayHost::watch(const QDBusConnection & /*bus*/)
 {
     askForHost();
 }

@@ -25,6 +25,8 @@ void TrayIcon::show()
     const QIcon fallback(u":/plenaura/tray.svg"_s);
     QIcon icon = QIcon::fromTheme(u"com.tarnel.Plenaura-symbolic"_s, fallback);
     icon.setIsMask(true); // On macOS the menu bar gives it its own colour.
+    // The new icon must not find the menu held by one that speaks to a bus that has ended.
+    m_icon.reset();
     m_icon = std::make_unique<QSystemTrayIcon>(icon);
     m_icon->setToolTip(QGuiApplication::applicationDisplayName());
     m_icon->setContextMenu(&m_menu);

@@ -11,7 +11,8 @@ namespace app {
 
 class TrayHost;
 
-/// The program's icon in the tray, there as soon as something shows tray icons.
+/// The program's icon in the tray, there as soon as something shows tray icons, and a
+/// new one each time this is told again.
 class TrayIcon : public QObject
 {
     Q_OBJECT

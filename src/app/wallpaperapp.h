@@ -6,6 +6,7 @@
 #include "app/trayhost.h"
 #include "app/trayicon.h"
 #include "core/wallpapermanager.h"
+#include "desktop/sessionbus.h"
 #include "ui/menubarview.h"
 
 #include <QObject>
@@ -49,8 +50,10 @@ public:
 private:
     void generateNow();
     void restInTray();
+    void joinAgain(SingleInstance &instance);
 
     OwnSettings m_settings;
+    desktop::SessionBus m_bus;
     std::unique_ptr<core::Clock> m_clock;
     std::unique_ptr<desktop::DesktopPicture> m_desktop;
     core::WallpaperManager m_manager;

@@ -1,7 +1,10 @@
 #include "desktop/buscall.h"
 
-#include <QCoroDBusPendingCall>
+#include <QCoroSignal>
+#include <QDBusArgument>
 #include <QDBusError>
+#include <QDBusPendingCallWatcher>
+#include <QScopedPointer>
 
 #include <algorithm>
 
@@ -30,7 +33,7 @@ QString plainSentence(const QDBusMessage &answer, const QDBusError &error)
     case QDBusError::ServiceUnknown:
         return notRunning;
     case QDBusError::Disconnected:
-        return u"The session bus cannot be reached"_s;
+        return unreachableBus;
     default:
         return u"The desktop refused the picture"_s;
     }
@@ -53,11 +56,25 @@ QCoro::Task<BusResult> callBus(QDBusConnection bus, QDBusMessage call, QDeadline
     // Less than that would mean Qt's own time-out, which is a longer one.
     const int milliseconds = int(std::max<qint64>(1, deadline.remainingTime()));
     const QDBusPendingCall pending = bus.asyncCall(call, milliseconds);
-    const QDBusMessage answer = co_await pending;
+    if (!pending.isFinished()) {
+        // When the bus ends, Qt says so twice of each call that has no answer yet; QCoro's own way
+        // of waiting for a call would go on twice, the second time with what is gone.
+        const QScopedPointer<QDBusPendingCallWatcher, QScopedPointerDeleteLater> watcher(
+            new QDBusPendingCallWatcher(pending));
+        co_await qCoro(watcher.get(), &QDBusPendingCallWatcher::finished);
+    }
+    const QDBusMessage answer = pending.reply();
     if (answer.type() != QDBusMessage::ReplyMessage) {
         co_return tl::make_unexpected(readableError(answer));
     }
     co_return answer.arguments();
+}
+
+QVariantMap dictionary(const QVariant &value)
+{
+    const auto argument = value.value<QDBusArgument>();
+    return argument.currentSignature() == "a{sv}"_L1 ? qdbus_cast<QVariantMap>(argument)
+                                                     : QVariantMap();
 }
 
 QDBusMessage painterCall(const QString &painter)

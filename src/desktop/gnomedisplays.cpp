@@ -91,7 +91,19 @@ GnomePrimaryScreen::GnomePrimaryScreen(QDBusConnection bus, QObject *parent)
       m_gnome(displays, m_bus, QDBusServiceWatcher::WatchForRegistration)
 {
     connect(&m_gnome, &QDBusServiceWatcher::serviceRegistered, this, &GnomePrimaryScreen::ask);
-    m_bus.connect(displays, displaysPath, displays, u"MonitorsChanged"_s, this, SLOT(ask()));
+    listen();
+}
+
+void GnomePrimaryScreen::moveTo(const QDBusConnection &bus)
+{
+    m_bus = bus;
+    m_gnome.setConnection(bus);
+    listen();
+}
+
+void GnomePrimaryScreen::listen()
+{
+    m_bus.connect(anybody, displaysPath, displays, u"MonitorsChanged"_s, this, SLOT(ask()));
     ask();
 }
 

@@ -22,6 +22,8 @@ class GnomePrimaryScreen : public QObject
 public:
     explicit GnomePrimaryScreen(QDBusConnection bus, QObject *parent = nullptr);
 
+    /// Asks and listens on another @p bus from now on.
+    void moveTo(const QDBusConnection &bus);
     /// Empty where nobody tells.
     QString name() const { return m_name; }
 
@@ -29,6 +31,8 @@ private Q_SLOTS:
     void ask();
 
 private:
+    void listen();
+
     QDBusConnection m_bus;
     QDBusServiceWatcher m_gnome;
     QString m_name;

@@ -4,6 +4,7 @@
 #include "desktop/gsettingskeys.h"
 
 #include <algorithm>
+#include <atomic>
 
 namespace desktop {
 
@@ -47,6 +48,20 @@ bool reachesTheService(GSettings *settings)
     return reaches;
 }
 
+// GLib's connection to the bus, which the settings share, ends the program when the bus ends. It is
+// kept, as the one that follows one that nobody keeps would do so again.
+void outliveTheBus()
+{
+    static std::atomic<GDBusConnection *> kept = nullptr;
+    GDBusConnection *const bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+    if (bus != nullptr) {
+        g_dbus_connection_set_exit_on_close(bus, FALSE);
+        if (GDBusConnection *const before = kept.exchange(bus)) {
+            g_object_unref(before);
+        }
+    }
+}
+
 } // namespace
 
 class GSettingsKeys::Library
@@ -73,6 +88,7 @@ tl::expected<GSettingsKeys, QString> GSettingsKeys::open(const QByteArray &schem
     if (!found) {
         return tl::make_unexpected(u"The desktop's settings are not installed"_s);
     }
+    outliveTheBus();
     GSettingsKeys keys(std::make_shared<const Library>(found.get()));
     if (!reachesTheService(keys.m_library->get())) {
         return tl::make_unexpected(

@@ -30,7 +30,7 @@ public:
     PortalResponse(QDBusConnection bus, const QString &token)
     {
         const QString sender = bus.baseService().mid(1).replace(u'.', u'_');
-        bus.connect(portal, u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(sender, token),
+        bus.connect(anybody, u"/org/freedesktop/portal/desktop/request/%1/%2"_s.arg(sender, token),
             u"org.freedesktop.portal.Request"_s, u"Response"_s, this,
             SLOT(respond(uint, QVariantMap)));
     }

@@ -27,6 +27,12 @@ ScreenChanges::ScreenChanges(
     }
 }
 
+void ScreenChanges::moveTo(const QDBusConnection &bus)
+{
+    m_painters.setConnection(bus);
+    m_calm.start();
+}
+
 void ScreenChanges::watch(const QScreen *screen)
 {
     connect(screen, &QScreen::geometryChanged, &m_calm, qOverload<>(&QTimer::start));

@@ -23,6 +23,9 @@ public:
     explicit ScreenChanges(
         const QDBusConnection &bus, const QStringList &painters, QObject *parent = nullptr);
 
+    /// Watches the painters on another @p bus from now on, which may have come with it.
+    void moveTo(const QDBusConnection &bus);
+
 Q_SIGNALS:
     void settled();
 

@@ -4,7 +4,6 @@
 #include "desktop/gnomedisplays.h"
 #include "desktop/x11display.h"
 
-#include <QDBusArgument>
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -19,7 +18,7 @@ QCoro::Task<bool> countsDevicePixels(QDBusConnection bus, QDeadlineTimer deadlin
 {
     constexpr int physicalLayout = 2;
     const BusResult state = co_await callBus(bus, displayStateCall(), deadline);
-    const QVariantMap properties = state ? qdbus_cast<QVariantMap>(state->value(3)) : QVariantMap();
+    const QVariantMap properties = state ? dictionary(state->value(3)) : QVariantMap();
     co_return properties.value(u"layout-mode"_s).toInt() == physicalLayout;
 }
 

@@ -1,6 +1,7 @@
 #include "desktop/systemdesktoppicture.h"
 
 #include "desktop/backgroundprocesses.h"
+#include "desktop/buscall.h"
 #include "desktop/choosedesktop.h"
 #include "desktop/picturefile.h"
 #include "desktop/workerthread.h"
@@ -56,7 +57,12 @@ QCoro::Task<SetResult> setOnWhatPaints(Turn turn, QDBusConnection bus,
         co_return tl::make_unexpected(picture.error());
     }
     const Painting painting = co_await lookAround(bus);
-    const auto backend = makeBackend(chooseDesktop(painting), painting, bus, processes);
+    const DesktopKind kind = chooseDesktop(painting);
+    // Most desktops are known by their names on the bus.
+    if (kind == DesktopKind::Unsupported && !bus.isConnected()) {
+        co_return tl::make_unexpected(unreachableBus);
+    }
+    const auto backend = makeBackend(kind, painting, bus, processes);
     co_return co_await backend->setPicture(*picture, screen);
 }
 
@@ -78,12 +84,16 @@ std::unique_ptr<DesktopPicture> DesktopPicture::system()
     return std::make_unique<SystemDesktopPicture>();
 }
 
-SystemDesktopPicture::SystemDesktopPicture(QDBusConnection bus)
-    : m_bus(std::move(bus)), m_processes(std::make_shared<BackgroundProcesses>()),
-      m_screenChanges(m_bus, painterNames()), m_gnomePrimary(m_bus)
+SystemDesktopPicture::SystemDesktopPicture()
+    : m_processes(std::make_shared<BackgroundProcesses>()),
+      m_screenChanges(m_bus.connection(), painterNames()), m_gnomePrimary(m_bus.connection())
 {
     QObject::connect(&m_screenChanges, &ScreenChanges::settled, &m_screenChanges,
-        [this] { followScreens(takeTurn(), m_bus, m_processes); });
+        [this] { followScreens(takeTurn(), m_bus.connection(), m_processes); });
+    QObject::connect(&m_bus, &SessionBus::returned, &m_bus, [this] {
+        m_screenChanges.moveTo(m_bus.connection());
+        m_gnomePrimary.moveTo(m_bus.connection());
+    });
 }
 
 Turn SystemDesktopPicture::takeTurn()
@@ -116,7 +126,7 @@ const QScreen *SystemDesktopPicture::primaryScreen() const
 
 QCoro::Task<SetResult> SystemDesktopPicture::setPicture(QString file, Screen screen)
 {
-    return setOnWhatPaints(takeTurn(), m_bus, m_processes, file, screen);
+    return setOnWhatPaints(takeTurn(), m_bus.connection(), m_processes, file, screen);
 }
 
 } // namespace desktop

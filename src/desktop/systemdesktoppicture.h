@@ -3,8 +3,8 @@
 #include "desktop/desktoppicture.h"
 #include "desktop/gnomedisplays.h"
 #include "desktop/screenchanges.h"
+#include "desktop/sessionbus.h"
 
-#include <QDBusConnection>
 #include <QFuture>
 #include <QPromise>
 
@@ -33,7 +33,7 @@ struct Turn
 class SystemDesktopPicture : public DesktopPicture
 {
 public:
-    explicit SystemDesktopPicture(QDBusConnection bus = QDBusConnection::sessionBus());
+    SystemDesktopPicture();
 
     std::optional<Screen> mainScreen() const override;
     QCoro::Task<SetResult> setPicture(QString file, Screen screen) override;
@@ -42,7 +42,7 @@ private:
     Turn takeTurn();
     const QScreen *primaryScreen() const;
 
-    QDBusConnection m_bus;
+    SessionBus m_bus;
     std::shared_ptr<BackgroundProcesses> m_processes;
     QFuture<void> m_lastTurn;
     ScreenChanges m_screenChanges;

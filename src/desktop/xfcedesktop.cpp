@@ -4,7 +4,6 @@
 #include "desktop/pngcopy.h"
 
 #include <QCoroFuture>
-#include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QRegularExpression>
@@ -157,7 +156,7 @@ QCoro::Task<tl::expected<QVariantMap, QString>> XfceDesktop::backdropProperties(
     if (!answer) {
         co_return tl::make_unexpected(answer.error().sentence);
     }
-    co_return qdbus_cast<QVariantMap>(answer->value(0));
+    co_return dictionary(answer->value(0));
 }
 
 } // namespace desktop

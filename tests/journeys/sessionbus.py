@@ -6,8 +6,18 @@ gi.require_version("Gio", "2.0")
 from gi.repository import Gio, GLib  # noqa: E402
 
 
+connection = None
+
+
 def bus():
-    return Gio.bus_get_sync(Gio.BusType.SESSION, None)
+    """A connection that is good now: the bus may have ended and be there again."""
+    global connection
+    if connection is None or connection.is_closed():
+        address = Gio.dbus_address_get_for_bus_sync(Gio.BusType.SESSION, None)
+        connection = Gio.DBusConnection.new_for_address_sync(
+            address, Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
+            | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION, None, None)
+    return connection
 
 
 def call(name, path, interface, method, arguments=None, timeout=5000):
