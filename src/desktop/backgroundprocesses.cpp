@@ -1,6 +1,7 @@
 #include "desktop/backgroundprocesses.h"
 
 #include <QCoroProcess>
+#include <QDeadlineTimer>
 #include <QStandardPaths>
 
 #include <chrono>
@@ -19,8 +20,13 @@ namespace {
 // By then swaybg has painted, or has found out that it cannot.
 constexpr std::chrono::milliseconds settlingTime = 1s;
 
+// One that keeps ending before this time will not do better for being started once more.
+constexpr std::chrono::minutes youth{1};
+constexpr int mostYoungDeaths = 5;
+
 void end(QProcess *process)
 {
+    QObject::disconnect(process, &QProcess::finished, nullptr, nullptr);
     process->kill();
     process->waitForFinished();
     delete process;
@@ -41,6 +47,25 @@ std::shared_ptr<QProcess> startProcess(const QString &program, const QStringList
     });
     process->start(program, arguments);
     return process;
+}
+
+/// Starts it again whenever it ends without having been asked to. Who does ask, as the scripts do
+/// that change the picture of such a desktop, wants to see another picture than ours.
+void keepRunning(QProcess &process)
+{
+    const auto startAgain = [&process, deaths = 0, young = QDeadlineTimer()](
+                                int code, QProcess::ExitStatus how) mutable {
+        const bool wasAskedTo = how == QProcess::CrashExit && code == SIGTERM;
+        deaths = young.hasExpired() ? 1 : deaths + 1;
+        if (!wasAskedTo && deaths <= mostYoungDeaths) {
+            young.setRemainingTime(youth);
+            process.start();
+        }
+    };
+    QObject::connect(&process, &QProcess::finished, &process, startAgain);
+    // It has said what it had to say, and may go on saying more for days.
+    process.closeReadChannel(QProcess::StandardError);
+    process.setStandardErrorFile(QProcess::nullDevice());
 }
 
 /// The last of the process's own words, which come after the hints at how it went on.
@@ -66,8 +91,7 @@ QCoro::Task<SetResult> BackgroundProcesses::show(QString output, QString file)
         co_return tl::make_unexpected(
             u"The desktop refused the picture: "_s + lastLine(process->readAllStandardError()));
     }
-    // It has said what it had to say, and may go on saying more for days.
-    process->closeReadChannel(QProcess::StandardError);
+    keepRunning(*process);
     // Ends the one that was there before only now, or the screen would be empty in between.
     m_processes.insert(output, process);
     co_return {};

@@ -11,8 +11,8 @@
 namespace desktop {
 
 /// The swaybg processes by which this program shows its pictures, one for each output: a picture
-/// is seen as long as its process runs. They end with this object, and also when the program is
-/// killed. For the main thread.
+/// is seen as long as its process runs. One that dies is started again, though not for ever. They
+/// end with this object, and also when the program is killed. For the main thread.
 class BackgroundProcesses
 {
 public:

@@ -2,9 +2,11 @@
 
 #include "desktop/buscall.h"
 #include "desktop/pngcopy.h"
+#include "desktop/unsupporteddesktop.h"
 
 #include <QCoroFuture>
 #include <QCoroSignal>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
 #include <QFile>
@@ -87,6 +89,13 @@ SetResult resultOf(std::optional<uint> code)
     }
 }
 
+// Portals are made of parts, and only some desktops bring the one for wallpapers.
+bool hasNoWallpapers(const BusError &error)
+{
+    return error.name == QDBusError::errorString(QDBusError::UnknownMethod)
+        || error.name == QDBusError::errorString(QDBusError::UnknownInterface);
+}
+
 } // namespace
 
 PortalDesktop::PortalDesktop(QDBusConnection bus, std::chrono::milliseconds patience)
@@ -94,7 +103,7 @@ PortalDesktop::PortalDesktop(QDBusConnection bus, std::chrono::milliseconds pati
 {
 }
 
-QCoro::Task<SetResult> PortalDesktop::setPicture(Picture picture, Screen /*screen*/)
+QCoro::Task<SetResult> PortalDesktop::setPicture(Picture picture, Screen screen)
 {
     const tl::expected<QString, QString> path = co_await prepareFile(picture);
     if (!path) {
@@ -108,6 +117,10 @@ QCoro::Task<SetResult> PortalDesktop::setPicture(Picture picture, Screen /*scree
     PortalResponse response(m_bus, token);
     const BusResult asked
         = co_await callBus(m_bus, wallpaperCall(file, token), QDeadlineTimer(answerTime));
+    if (!asked && hasNoWallpapers(asked.error())) {
+        UnsupportedDesktop unsupported;
+        co_return co_await unsupported.setPicture(picture, screen);
+    }
     if (!asked) {
         co_return tl::make_unexpected(asked.error().sentence);
     }

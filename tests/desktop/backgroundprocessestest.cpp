@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
 #include <memory>
 
 #include <sys/types.h>
@@ -70,6 +71,13 @@ private:
         return result ? u"no error"_s : result.error();
     }
 
+    /// One on another output, which takes long enough for others to be started again meanwhile.
+    void startOneMore(BackgroundProcesses &processes) const
+    {
+        lastingProgram();
+        QCOMPARE(errorOf(processes, u"DP-2"_s, u"/z.png"_s), u"no error"_s);
+    }
+
 private Q_SLOTS:
     void init() { QFile::remove(m_folder.filePath(u"log"_s)); }
 
@@ -114,6 +122,41 @@ private Q_SLOTS:
         QCOMPARE(errorOf(processes, u"DP-1"_s, u"/b.png"_s),
             u"The desktop refused the picture: Unable to connect to the compositor"_s);
         QVERIFY(runs(process(0)));
+    }
+
+    void oneThatDiesIsStartedAgain()
+    {
+        BackgroundProcesses processes(lastingProgram());
+        QCOMPARE(errorOf(processes, u"DP-1"_s, u"/a.png"_s), u"no error"_s);
+        ::kill(process(0), SIGKILL);
+        QTRY_COMPARE(log().size(), 2);
+        QVERIFY(log().value(1).endsWith(" -o DP-1 -i /a.png -m fill"));
+        QVERIFY(runs(process(1)));
+
+        QCOMPARE(errorOf(processes, u"DP-1"_s, u"/b.png"_s), u"no error"_s);
+        QVERIFY(!runs(process(1)));
+        QCOMPARE(log().size(), 3);
+    }
+
+    void oneThatIsAskedToEndStaysAway()
+    {
+        BackgroundProcesses processes(lastingProgram());
+        QCOMPARE(errorOf(processes, u"DP-1"_s, u"/a.png"_s), u"no error"_s);
+        ::kill(process(0), SIGTERM);
+        QTRY_VERIFY(!runs(process(0)));
+        startOneMore(processes);
+        QCOMPARE(log().size(), 2);
+    }
+
+    void oneThatKeepsDyingIsGivenUp()
+    {
+        BackgroundProcesses processes(lastingProgram());
+        QCOMPARE(errorOf(processes, u"DP-1"_s, u"/a.png"_s), u"no error"_s);
+        script("echo $$ >>'" + m_folder.filePath(u"log"_s).toUtf8() + "'\n");
+        ::kill(process(0), SIGKILL);
+        QTRY_COMPARE(log().size(), 6);
+        startOneMore(processes);
+        QCOMPARE(log().size(), 7);
     }
 
     void theyEndWhenTheProgramIsKilled()
