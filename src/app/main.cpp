@@ -1,3 +1,4 @@
+#include "app/activationtoken.h"
 #include "app/coredumps.h"
 #include "app/singleinstance.h"
 #include "app/translations.h"
@@ -13,6 +14,7 @@ using namespace Qt::StringLiterals;
 int main(int argc, char *argv[])
 {
     app::forbidCoreDumps();
+    const auto token = app::ActivationToken::ofThisStart();
     QApplication application(argc, argv);
     QCoreApplication::setOrganizationName(u"tarnel"_s);
     QCoreApplication::setOrganizationDomain(u"tarnel.com"_s);
@@ -24,7 +26,7 @@ int main(int argc, char *argv[])
     app::installTranslations();
 
     app::SingleInstance instance;
-    switch (instance.claim()) {
+    switch (instance.claim(token)) {
     case app::SingleInstance::Role::First:
         break;
     case app::SingleInstance::Role::Second:
@@ -35,6 +37,8 @@ int main(int argc, char *argv[])
     }
 
     app::WallpaperApp wallpaperApp(instance);
+    token.adopt();
     wallpaperApp.start();
+    app::ActivationToken::drop();
     return QApplication::exec();
 }

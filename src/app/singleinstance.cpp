@@ -14,42 +14,17 @@ const auto objectPath = u"/com/tarnel/Plenaura"_s;
 const auto interfaceName = u"org.freedesktop.Application"_s;
 constexpr int answerTimeoutMs = 5000;
 
-// Lets the window that is shown next come to the front although another program has the focus.
-void adoptActivationToken(const QVariantMap &platformData)
-{
-    const auto token = platformData.value(u"activation-token"_s).toString().toUtf8();
-    const auto startupId = platformData.value(u"desktop-startup-id"_s).toString().toUtf8();
-    if (!token.isEmpty()) {
-        qputenv("XDG_ACTIVATION_TOKEN", token);
-    }
-    if (!startupId.isEmpty()) {
-        qputenv("DESKTOP_STARTUP_ID", startupId);
-    }
-}
-
-QVariantMap ownActivationToken()
-{
-    QVariantMap platformData;
-    if (qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN")) {
-        platformData[u"activation-token"_s] = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
-    }
-    if (qEnvironmentVariableIsSet("DESKTOP_STARTUP_ID")) {
-        platformData[u"desktop-startup-id"_s] = qEnvironmentVariable("DESKTOP_STARTUP_ID");
-    }
-    return platformData;
-}
-
 } // namespace
 
 SingleInstance::SingleInstance(QObject *parent) : QObject(parent) { }
 
-SingleInstance::Role SingleInstance::claim()
+SingleInstance::Role SingleInstance::claim(const ActivationToken &token)
 {
     const auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         return Role::First;
     }
-    return serveOn(bus) ? Role::First : activateOther();
+    return serveOn(bus) ? Role::First : activateOther(token);
 }
 
 bool SingleInstance::serveOn(QDBusConnection bus)
@@ -59,11 +34,11 @@ bool SingleInstance::serveOn(QDBusConnection bus)
     return bus.registerService(serviceName);
 }
 
-SingleInstance::Role SingleInstance::activateOther()
+SingleInstance::Role SingleInstance::activateOther(const ActivationToken &token)
 {
     auto call
         = QDBusMessage::createMethodCall(serviceName, objectPath, interfaceName, u"Activate"_s);
-    call << ownActivationToken();
+    call << token.platformData();
     const auto answer = QDBusConnection::sessionBus().call(call, QDBus::Block, answerTimeoutMs);
     return answer.type() == QDBusMessage::ReplyMessage ? Role::Second : Role::Unreachable;
 }
@@ -75,8 +50,9 @@ bool SingleInstance::startedByBus()
 
 void SingleInstance::Activate(const QVariantMap &platformData)
 {
-    adoptActivationToken(platformData);
+    ActivationToken::ofCall(platformData).adopt();
     Q_EMIT activated();
+    ActivationToken::drop();
 }
 
 void SingleInstance::Open(const QStringList &uris, const QVariantMap &platformData)
@@ -89,7 +65,7 @@ void SingleInstance::ActivateAction(
     const QString &name, const QVariantList &parameter, const QVariantMap &platformData)
 {
     Q_UNUSED(parameter)
-    adoptActivationToken(platformData);
+    ActivationToken::ofCall(platformData).adopt();
     if (name == "generate"_L1) {
         Q_EMIT generateRequested();
     } else if (name == "settings"_L1) {
@@ -97,6 +73,7 @@ void SingleInstance::ActivateAction(
     } else if (name == "quit"_L1) {
         Q_EMIT quitRequested();
     }
+    ActivationToken::drop();
 }
 
 } // namespace app

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/activationtoken.h"
+
 #include <QDBusConnection>
 #include <QObject>
 #include <QStringList>
@@ -25,9 +27,9 @@ public:
 
     explicit SingleInstance(QObject *parent = nullptr);
 
-    /// Takes the name, or hands the wish to be shown to whoever has it. Waits for at most some
-    /// seconds for the other program's answer.
-    Role claim();
+    /// Takes the name, or hands the wish to be shown to whoever has it, with the @p token of this
+    /// start. Waits for at most some seconds for the other program's answer.
+    Role claim(const ActivationToken &token);
     /// Offers itself on @p bus. False where another program has the name.
     bool serveOn(QDBusConnection bus);
 
@@ -48,7 +50,7 @@ Q_SIGNALS:
     void quitRequested();
 
 private:
-    Role activateOther();
+    static Role activateOther(const ActivationToken &token);
 };
 
 } // namespace app

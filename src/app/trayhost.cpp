@@ -10,6 +10,8 @@
 #include <QSocketNotifier>
 
 #include <cstdlib>
+#include <utility>
+#include <vector>
 
 #include <xcb/xcb.h>
 #include <xcb/xfixes.h>
@@ -34,6 +36,38 @@ Reply<T> owned(T *reply)
 
 } // namespace
 
+/// Tells Qt that a window is gone that took in tray icons. Qt asks who does, and only then to be
+/// told of its end; it never hears of one that ends in between, and goes on sending its icons
+/// there. Some panels start with several such windows that live for a moment.
+class EndOfTray
+{
+public:
+    EndOfTray()
+        : m_connection(qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection()),
+          m_own(xcb_generate_id(m_connection))
+    {
+        xcb_create_window(m_connection, 0, m_own,
+            xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root, 0, 0, 1, 1, 0,
+            XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    }
+
+    void tell(xcb_window_t window) const
+    {
+        xcb_destroy_notify_event_t end{};
+        end.response_type = XCB_DESTROY_NOTIFY;
+        end.event = window;
+        end.window = window;
+        // Without a mask, what is sent to a window goes to the connection that has made it.
+        xcb_send_event(
+            m_connection, 0, m_own, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&end));
+        xcb_flush(m_connection);
+    }
+
+private:
+    xcb_connection_t *const m_connection;
+    const xcb_window_t m_own;
+};
+
 /// The X11 selection whose owner embeds tray icons, watched on a connection of its own.
 class TrayHost::SelectionWatch
 {
@@ -45,6 +79,7 @@ public:
             return;
         }
         m_selection = atom("_NET_SYSTEM_TRAY_S" + QByteArray::number(m_screenNumber));
+        m_firstEvent = xcb_get_extension_data(m_connection.get(), &xcb_xfixes_id)->first_event;
         listen();
         m_notifier = std::make_unique<QSocketNotifier>(
             xcb_get_file_descriptor(m_connection.get()), QSocketNotifier::Read);
@@ -58,7 +93,13 @@ private:
     {
         // Waiting for a reply may read events past the notifier, so they are emptied after asking.
         do {
-            if (hasOwner()) {
+            const xcb_window_t current = owner();
+            for (const xcb_window_t former : std::exchange(m_owners, {current})) {
+                if (former != current && former != XCB_NONE) {
+                    m_endOfTray.tell(former);
+                }
+            }
+            if (current != XCB_NONE) {
                 host.onSeen();
             }
         } while (drain());
@@ -67,11 +108,11 @@ private:
         }
     }
 
-    bool hasOwner() const
+    xcb_window_t owner() const
     {
         const auto reply = owned(xcb_get_selection_owner_reply(
             m_connection.get(), xcb_get_selection_owner(m_connection.get(), m_selection), nullptr));
-        return reply && reply->owner != XCB_NONE;
+        return reply ? reply->owner : xcb_window_t(XCB_NONE);
     }
 
     xcb_atom_t atom(const QByteArray &name) const
@@ -101,18 +142,29 @@ private:
         xcb_flush(m_connection.get());
     }
 
-    bool drain() const
+    bool drain()
     {
         bool any = false;
-        while (owned(xcb_poll_for_event(m_connection.get()))) {
+        while (const auto event = owned(xcb_poll_for_event(m_connection.get()))) {
             any = true;
+            if ((event->response_type & ~sentByClient)
+                == m_firstEvent + XCB_XFIXES_SELECTION_NOTIFY) {
+                m_owners.push_back(
+                    reinterpret_cast<const xcb_xfixes_selection_notify_event_t *>(event.get())
+                        ->owner);
+            }
         }
         return any;
     }
 
+    static constexpr uint8_t sentByClient = 0x80;
+
     int m_screenNumber = 0;
     std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> m_connection;
     xcb_atom_t m_selection = XCB_ATOM_NONE;
+    uint8_t m_firstEvent = 0;
+    std::vector<xcb_window_t> m_owners; ///< Since the last look, and the one that was found then.
+    EndOfTray m_endOfTray;
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
 

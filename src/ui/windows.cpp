@@ -5,6 +5,7 @@
 #include "providers/service.h"
 #include "ui/accessibleitem.h"
 #include "ui/advancedsettings.h"
+#include "ui/x11front.h"
 
 #include <QCoreApplication>
 #include <QKeySequence>
@@ -156,6 +157,11 @@ void Windows::show(QPointer<QQuickWindow> &window, const QUrl &url, const QVaria
     window->show();
     window->raise();
     window->requestActivate();
+#ifndef Q_OS_MACOS
+    // As Qt does with the token by which it asks on Wayland.
+    putInFrontOnX11(*window, qgetenv("DESKTOP_STARTUP_ID"));
+    qunsetenv("DESKTOP_STARTUP_ID");
+#endif
 }
 
 void Windows::discard(QQuickWindow *window)

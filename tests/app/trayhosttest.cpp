@@ -3,7 +3,9 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QGuiApplication>
+#include <QPixmap>
 #include <QSignalSpy>
+#include <QSystemTrayIcon>
 #include <QTest>
 
 #include <memory>
@@ -59,17 +61,50 @@ public:
         const xcb_screen_t *screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
         xcb_create_window(c, 0, window, screen->root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
             XCB_COPY_FROM_PARENT, 0, nullptr);
-        const QByteArray name = "_NET_SYSTEM_TRAY_S0";
-        std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> atom(
-            xcb_intern_atom_reply(
-                c, xcb_intern_atom(c, 0, uint16_t(name.size()), name.constData()), nullptr),
-            &std::free);
-        xcb_set_selection_owner(c, window, atom->atom, XCB_CURRENT_TIME);
+        const xcb_atom_t selection = atom("_NET_SYSTEM_TRAY_S0");
+        xcb_set_selection_owner(c, window, selection, XCB_CURRENT_TIME);
+
+        xcb_client_message_event_t announcement{};
+        announcement.response_type = XCB_CLIENT_MESSAGE;
+        announcement.format = 32;
+        announcement.window = screen->root;
+        announcement.type = atom("MANAGER");
+        announcement.data.data32[1] = selection;
+        announcement.data.data32[2] = window;
+        xcb_send_event(c, 0, screen->root, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+            reinterpret_cast<const char *>(&announcement));
         xcb_flush(c);
     }
 
+    /// Whether somebody has asked it to take in an icon.
+    bool isAsked()
+    {
+        while (const Reply<xcb_generic_event_t> event{
+            xcb_poll_for_event(m_connection.get()), &std::free}) {
+            const auto *message = reinterpret_cast<const xcb_client_message_event_t *>(event.get());
+            m_isAsked = m_isAsked
+                || ((event->response_type & 0x7fU) == XCB_CLIENT_MESSAGE
+                    && message->type == atom("_NET_SYSTEM_TRAY_OPCODE"));
+        }
+        return m_isAsked;
+    }
+
 private:
+    template <typename T>
+    using Reply = std::unique_ptr<T, decltype(&std::free)>;
+
+    xcb_atom_t atom(const QByteArray &name) const
+    {
+        const Reply<xcb_intern_atom_reply_t> reply(
+            xcb_intern_atom_reply(m_connection.get(),
+                xcb_intern_atom(m_connection.get(), 0, uint16_t(name.size()), name.constData()),
+                nullptr),
+            &std::free);
+        return reply->atom;
+    }
+
     std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> m_connection;
+    bool m_isAsked = false;
 };
 
 class TrayHostTest : public QObject
@@ -77,6 +112,7 @@ class TrayHostTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void anIconMovesToThePanelThatTakesOver();
     void withoutAnyHostNothingIsAvailable();
     void aHostThatIsThereIsSeen();
     void aHostThatComesLaterIsSeen();
@@ -97,6 +133,23 @@ private:
         }
     }
 };
+
+// It comes first, because Qt asks once per process whether there is a host on the bus.
+void TrayHostTest::anIconMovesToThePanelThatTakesOver()
+{
+    EmbeddingPanel panel;
+    TrayHost host;
+    host.watch();
+    QVERIFY(host.isAvailable());
+    QPixmap picture(22, 22);
+    picture.fill(Qt::red);
+    QSystemTrayIcon icon(picture);
+    icon.show();
+    QTRY_VERIFY(panel.isAsked());
+    // The window of the one before lives on, so Qt cannot know by itself that it is none any more.
+    EmbeddingPanel next;
+    QTRY_VERIFY(next.isAsked());
+}
 
 void TrayHostTest::withoutAnyHostNothingIsAvailable()
 {

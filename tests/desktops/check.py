@@ -8,7 +8,6 @@ import argparse
 import contextlib
 import os
 import pathlib
-import re
 import signal
 import subprocess
 import sys
@@ -19,25 +18,23 @@ sys.path.insert(0, str(HERE.parent / "journeys"))
 import driver  # noqa: E402
 import results  # noqa: E402
 from gi.repository import Atspi, GLib  # noqa: E402
-from sessionbus import call, has_owner  # noqa: E402
+from activation import ActivationChecks  # noqa: E402
+from primary import PrimaryScreenCheck  # noqa: E402
+from results import NotRun  # noqa: E402
+from sessionbus import has_owner, process_of  # noqa: E402
+from screens import GREEN, RED, Screens  # noqa: E402
+from tray import TrayChecks  # noqa: E402
 from waiting import PATIENCE, Impatience, wait_until  # noqa: E402
-from screens import Screens  # noqa: E402
 
-RED, GREEN = (255, 0, 0), (0, 128, 0)
 # A desktop is given three seconds to answer; the rest is for this machine to be busy.
 ANSWER_TIME = 5.0
 QUICK = 1.0
 FADING = 1.5
-LARGEST_ICON = 64
 # What came of it where a process of the program paints.
 ANEW = "Painted anew"
 
 
-class NotRun(Exception):
-    """A check that makes no sense on this desktop, and why."""
-
-
-class DesktopCheck:
+class DesktopCheck(TrayChecks, ActivationChecks, PrimaryScreenCheck):
     def __init__(self, arguments):
         self.arguments = arguments
         home = pathlib.Path.home()
@@ -55,9 +52,11 @@ class DesktopCheck:
         self.program.end()
 
     def checks(self):
-        return [self.window, self.tray_icon, self.panel_restarted, self.second_start, self.picture,
-                self.next_picture, self.broken_picture, self.missing_picture, self.painter_hung,
-                self.program_killed, self.painter_gone, self.logout]
+        return [self.window, self.tray_icon, self.panel_restarted, self.panel_late, self.second_start,
+                self.start_while_covered, self.call_while_covered, self.icon_while_covered,
+                self.start_without_token, self.picture, self.next_picture, self.broken_picture,
+                self.missing_picture, self.primary_screen, self.painter_hung, self.program_killed,
+                self.painter_gone, self.logout]
 
     def report(self, check):
         """Runs one check and writes down what came of it."""
@@ -157,8 +156,7 @@ class DesktopCheck:
     def painter_gone(self):
         self.need(self.picture)
         if self.has_own_painter():
-            self.apply("green.png")
-            self.wait_new_status()
+            return self.own_painter_gone()
         painters = self.painters()
         if self.arguments.painters_own_windows:
             raise NotRun("All windows go with the painter")
@@ -175,24 +173,20 @@ class DesktopCheck:
             return self.expect_failed()
         # Without its painter an X11 desktop is like one that never had any.
         self.expect_set([RED])
-        return ANEW if self.has_own_painter() else "Shown on the bare screen"
+        return "Shown on the bare screen"
 
-    def tray_icon(self):
-        self.need(self.window)
-        if not self.arguments.tray:
-            raise NotRun("There is no tray")
-        return self.wait_icon()
-
-    def panel_restarted(self):
-        if not self.arguments.tray:
-            raise NotRun("There is no tray")
-        self.need(self.tray_icon)
-        if self.arguments.panel is None:
-            raise NotRun("The panel is not started anew here")
-        os.kill(self.arguments.panel, signal.SIGKILL)
-        wait_until(lambda: not self.icon(), "the icon to go with the panel")
-        self.ask_desktop("start_panel")
-        return self.wait_icon()
+    def own_painter_gone(self):
+        """The program starts it again, and nobody has to ask for the picture."""
+        self.apply("green.png")
+        self.wait_new_status()
+        self.expect_set([GREEN, *self.shown[1:]])
+        painters = self.painters()
+        for process in painters:
+            os.kill(process, signal.SIGKILL)
+        wait_until(lambda: set(self.current_painters()) - set(painters),
+                   "the painter to be started again")
+        self.expect_set([GREEN, *self.shown[1:]])
+        return "Started again"
 
     def logout(self):
         """The program says no to the end of the session, closes its windows and stays."""
@@ -227,9 +221,7 @@ class DesktopCheck:
                               stdout=subprocess.DEVNULL).returncode == 0
 
     def start_again(self):
-        status = subprocess.run([self.program.binaries / self.program.program], check=False).returncode
-        if status != 0:
-            raise AssertionError(f"the second start ended with status {status}")
+        self.start_second()
         self.program.find("push button", driver.GENERATE)
 
     def start_program(self):
@@ -237,36 +229,19 @@ class DesktopCheck:
         pictures = len(list(self.program.image_folder.iterdir()))
         wait_until(lambda: len(self.program.look("list item")) == pictures, "the pictures in the window")
 
-    def wait_icon(self):
-        return wait_until(self.icon, "the icon in the tray")
-
-    def icon(self):
-        """How the tray has it; nothing if it does not."""
-        if self.is_item_registered():
-            return "As a StatusNotifierItem"
-        return "Embedded" if self.is_icon_embedded() else ""
-
-    def is_item_registered(self):
-        item = self.program.tray_item()
-        # Some watchers add the object's path to the name.
-        return item and process_of(re.split("[@/]", item)[0]) == self.program.process_id()
-
-    def is_icon_embedded(self):
-        """Whether a small window of the program is in a window of somebody else."""
-        search = subprocess.run(["xdotool", "search", "--pid", str(self.program.process.child.pid)],
-                                capture_output=True, text=True, check=False)
-        return any(is_small_and_embedded(window) for window in search.stdout.split())
-
     @property
     def painter_names(self):
         return self.arguments.painters.split()
 
     def painters(self):
         """Process ids. The bus is asked anew, since a desktop may start a painter again."""
-        found = [process for name in self.painter_names for process in self.processes_of(name)]
+        found = self.current_painters()
         if not found:
             raise NotRun("Nobody but the program paints")
         return found
+
+    def current_painters(self):
+        return [process for name in self.painter_names for process in self.processes_of(name)]
 
     def processes_of(self, painter):
         if painter.isdigit():
@@ -358,20 +333,6 @@ class DesktopCheck:
         return self.status
 
 
-def process_of(name):
-    return call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-                       "GetConnectionUnixProcessID", GLib.Variant("(s)", (name,)))[0]
-
-
-def is_small_and_embedded(window):
-    answer = subprocess.run(["xwininfo", "-children", "-stats", "-id", window],
-                            capture_output=True, text=True, check=False).stdout
-    parent = re.search("Parent window id: (.*)", answer)
-    width = re.search("Width: (.*)", answer)
-    return bool(parent and width and "(the root window)" not in parent[1]
-                and 1 < int(width[1]) <= LARGEST_ICON and "IsViewable" in answer)
-
-
 def is_alive(process):
     try:
         state = pathlib.Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[0]
@@ -389,7 +350,10 @@ def arguments():
     parser.add_argument("--painters", default="")
     parser.add_argument("--painters-own-windows", action="store_true")
     parser.add_argument("--tray", action="store_true")
-    parser.add_argument("--panel", type=int)
+    parser.add_argument("--other-tray", action="store_true")
+    parser.add_argument("--panel", action="store_true")
+    parser.add_argument("--keyboard", action="store_true")
+    parser.add_argument("--raises-none", action="store_true")
     parser.add_argument("--logout")
     parser.add_argument("--screenshot", required=True)
     return parser.parse_args()

@@ -39,13 +39,24 @@ after it; a damaged or missing file gives "Failed: ..." and leaves the screen al
 screens: the same on the main screen, while the other one keeps what it showed. What the screens
 show is read from a pixel of each. *Hangs* and *is gone* tell what the program says when the part of
 the desktop that paints was stopped or killed before "Apply"; *program is killed*, what becomes of a
-picture it has set. *Second start* is made while the window is closed. Nothing here is claimed that
-was not run; "not run" says why.
+picture it has set; a painter that is a process of its own is *started again*. *Primary screen* is the second one, while another program has the keyboard.
+*Panel is late* when it is started after the program. *Second start* is made while the window is
+closed. *While covered* by the window of another program, which has the keyboard, the window is asked
+for by a second start, by a call over the bus and by a click on the tray icon; all hand over a token
+that the desktop has given that other program, and *without a token* tells of a second start that has
+none. Nothing here is claimed that was not run; "not run" says why.
 
-| Desktop | Package | One screen | Two screens | Painter hangs | Painter is gone | Program is killed | Tray icon | Panel restarted | Second start | Logout | Read how |
-|---|---|---|---|---|---|---|---|---|---|---|---|
+| Desktop | Package | One screen | Two screens | Primary screen | Painter hangs | Painter is gone | Program is killed | Tray icon | Panel restarted | Panel is late | Second start | Start while covered | Call while covered | Click while covered | Start without a token | Logout | Read how |
+|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|
 """
+CHECKS = ("painter hung", "painter gone", "program killed", "tray icon", "panel restarted",
+          "panel late", "second start", "start while covered", "call while covered",
+          "icon while covered", "start without token", "logout")
 PICTURE_CHECKS = ("window", "picture", "next picture", "broken picture", "missing picture")
+
+
+class NotRun(Exception):
+    """A check that makes no sense on this desktop, and why."""
 
 
 def add(file, desktop, screens, check, outcome, detail=""):
@@ -112,9 +123,7 @@ def page(file):
     for name, (title, how) in TITLES.items():
         desktop = Desktop([line for line in found if line["desktop"] == name])
         cells = [title, desktop.package(), desktop.pictures(1), desktop.pictures(2),
-                 *(desktop.both(check) for check in (
-                     "painter hung", "painter gone", "program killed", "tray icon", "panel restarted", "second start", "logout")),
-                 how]
+                 cell(desktop.found.get((2, "primary screen"))), *map(desktop.both, CHECKS), how]
         print("| " + " | ".join(cells) + " |")
 
 

@@ -10,6 +10,7 @@ import subprocess
 from waiting import wait_until
 
 SCREEN = (1280, 800)
+RED, GREEN = (255, 0, 0), (0, 128, 0)
 # Pictures made for several screens are scaled, and desktops keep some of them as JPEG.
 TOLERANCE = 12
 # Between two looks; a fade that is under way has moved on by then.

@@ -7,6 +7,7 @@ that belong to nobody.
 import json
 import os
 import pathlib
+import re
 import signal
 import subprocess
 import sys
@@ -170,6 +171,21 @@ class Plenaura:
     def windows(self):
         return self.names("frame")
 
+    def wait_active(self, title):
+        def is_active():
+            window = self.active_window()
+            return window is not None and window.get_name() == title
+        wait_until(is_active, f"{title!r} to have the keyboard")
+
+    def active_window(self):
+        """The program's window that has the keyboard."""
+        application = self.application()
+        for index in range(application.get_child_count()):
+            node = application.get_child_at_index(index)
+            if node and node.get_state_set().contains(Atspi.StateType.ACTIVE):
+                return node
+        return None
+
     @staticmethod
     def is_enabled(node):
         return node.get_state_set().contains(Atspi.StateType.ENABLED)
@@ -235,17 +251,34 @@ class Plenaura:
         self.manage_window("-a", title)
         subprocess.run(["xdotool", "key", "--clearmodifiers", keys], check=True)
 
+    # The desktop's actions.
+
+    def action(self, name, platform_data=None):
+        """As a desktop does that offers what the desktop file tells of."""
+        call(self.NAME, "/com/tarnel/Plenaura", "org.freedesktop.Application", "ActivateAction",
+             GLib.Variant("(sava{sv})", (name, [], platform_data or {})))
+
     # The tray menu.
 
-    def tray_item(self):
-        """The bus name of the icon, if the tray has it."""
+    @staticmethod
+    def ask_tray(question):
+        """A property of what knows all icons and panels; nothing if that is not there."""
         try:
-            (items,) = call("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
-                            "org.freedesktop.DBus.Properties", "Get",
-                            GLib.Variant("(ss)", ("org.kde.StatusNotifierWatcher",
-                                                  "RegisteredStatusNotifierItems")))
+            (answer,) = call("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
+                             "org.freedesktop.DBus.Properties", "Get",
+                             GLib.Variant("(ss)", ("org.kde.StatusNotifierWatcher", question)))
         except GLib.Error:
             return None
+        return answer
+
+    def tray_items(self):
+        """The bus names of all icons in the tray; some trays add a path to them."""
+        return [re.split("[@/]", item)[0]
+                for item in self.ask_tray("RegisteredStatusNotifierItems") or []]
+
+    def tray_item(self):
+        """The bus name of the newest icon, if the tray has one."""
+        items = self.tray_items()
         return items[-1] if items else None
 
     def wait_tray_item(self):
@@ -264,6 +297,11 @@ class Plenaura:
     def menu_row(self, label):
         return wait_until(lambda: [row for row in self.menu() if row.label == label],
                           f"menu row {label!r}")[0]
+
+    def hand_token_to_tray_icon(self, token):
+        """As panels do before the click or the menu row of which they tell next."""
+        call(self.wait_tray_item(), "/StatusNotifierItem", "org.kde.StatusNotifierItem",
+             "ProvideXdgActivationToken", GLib.Variant("(s)", (token,)))
 
     def click_tray_icon(self):
         call(self.wait_tray_item(), "/StatusNotifierItem", "org.kde.StatusNotifierItem",

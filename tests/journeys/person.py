@@ -74,24 +74,12 @@ class Keyboard:
         self.program.manage_window("-a", title)
         self.wait_window(title)
 
-    def window(self):
-        """The program's window that has the keyboard."""
-        application = self.program.application()
-        for index in range(application.get_child_count()):
-            node = application.get_child_at_index(index)
-            if node and node.get_state_set().contains(Atspi.StateType.ACTIVE):
-                return node
-        return None
-
     def wait_window(self, title):
-        def has_keyboard():
-            window = self.window()
-            return window is not None and window.get_name() == title
-        wait_until(has_keyboard, f"{title!r} to have the keyboard")
+        self.program.wait_active(title)
 
     def here(self):
         """Role and name of what has the keyboard."""
-        window = self.window()
+        window = self.program.active_window()
         focused = None
         for node in driver.descendants(window) if window else ():
             try:

@@ -29,3 +29,8 @@ def call(name, path, interface, method, arguments=None, timeout=5000):
 def has_owner(name):
     return call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
                 "NameHasOwner", GLib.Variant("(s)", (name,)))[0]
+
+
+def process_of(name):
+    return call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                "GetConnectionUnixProcessID", GLib.Variant("(s)", (name,)))[0]

@@ -6,8 +6,6 @@ import signal
 import driver
 import journey
 from driver import SET
-from gi.repository import GLib
-from sessionbus import call
 from waiting import wait_until
 
 
@@ -171,16 +169,12 @@ class Tray(journey.Journey):
         self.program.put_keys(gemini="ok-png")
         self.program.put_settings(lastPrompt="a sea")
         self.program.start()
-        self.action("generate")
+        self.program.action("generate")
         self.program.wait_status(SET)
-        self.action("settings")
+        self.program.action("settings")
         wait_until(lambda: len(self.program.windows()) == 2, "the settings window")
-        self.action("quit")
+        self.program.action("quit")
         self.assertEqual(self.program.wait_for_exit(), 0)
-
-    def action(self, name):
-        call(self.program.NAME, "/com/tarnel/Plenaura", "org.freedesktop.Application",
-                    "ActivateAction", GLib.Variant("(sava{sv})", (name, [], {})))
 
 
 if __name__ == "__main__":

@@ -16,10 +16,10 @@ import sandboxed
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "desktops"))
 import check  # noqa: E402
 import driver  # noqa: E402
-from check import RED  # noqa: E402
 from gi.repository import Atspi, GLib  # noqa: E402
 from sandboxed import Permissions  # noqa: E402
-from sessionbus import call, has_owner  # noqa: E402
+from screens import RED  # noqa: E402
+from sessionbus import call, has_owner, process_of  # noqa: E402
 from waiting import Process, wait_until  # noqa: E402
 
 PORTAL = "org.freedesktop.portal.Desktop"
@@ -102,12 +102,14 @@ class SandboxCheck(check.DesktopCheck):
                              env={**os.environ, "XDG_DESKTOP_PORTAL_DIR": no_portals})
             try:
                 wait_until(lambda: has_owner(PORTAL)
-                           and check.process_of(PORTAL) == portal.child.pid, "the other portal")
+                           and process_of(PORTAL) == portal.child.pid, "the other portal")
                 self.apply("green.png")
                 self.wait_new_status()
             finally:
                 portal.end()
-        return self.expect_failed()
+        if self.status != "Failed: this desktop is not supported":
+            raise AssertionError(f"the status is {self.status!r}")
+        return self.status
 
     def no_wayland(self):
         """What the manifest permits for it is needed: there is no X server here."""
