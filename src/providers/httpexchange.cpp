@@ -137,8 +137,9 @@ public:
     {
         connect(reply, &QNetworkReply::readyRead, this, &Transfer::drain);
         connect(reply, &QNetworkReply::finished, this, &Transfer::finish);
-        // Before that, Qt forgets about it.
-        connect(reply, &QNetworkReply::socketStartedConnecting, this,
+        // Before it connects, Qt forgets about it. Before it sends, Qt looks for more to read where
+        // it has nothing to read with: it crashes if a proxy has refused meanwhile.
+        connect(reply, &QNetworkReply::requestSent, this,
             [reply] { reply->setReadBufferSize(readAhead); });
         // QTimer::singleShot would stay behind until it is due, long after the transfer.
         connect(&m_timeLeft, &QTimer::timeout, this, [this] { giveUp(timedOut()); });

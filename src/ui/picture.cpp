@@ -1,39 +1,14 @@
 #include "ui/picture.h"
 
+#include "desktop/workerthread.h"
+
 #include <QCoroFuture>
 #include <QFileInfo>
 #include <QPointer>
-#include <QPromise>
 #include <QQuickWindow>
 #include <QSGImageNode>
-#include <QThreadPool>
 
 namespace ui {
-
-namespace {
-
-struct Order
-{
-    QString file;
-    QSize box;
-    Framing framing;
-    std::shared_ptr<std::atomic_bool> stopped;
-};
-
-QFuture<QImage> readInPool(const Order &order)
-{
-    const auto promise = std::make_shared<QPromise<QImage>>();
-    promise->start();
-    QThreadPool::globalInstance()->start([promise, order] {
-        const bool wanted = !*order.stopped;
-        promise->addResult(
-            wanted ? readPicture(order.file, order.box, order.framing, *order.stopped) : QImage());
-        promise->finish();
-    });
-    return promise->future();
-}
-
-} // namespace
 
 Picture::Picture(QQuickItem *parent)
     : QQuickItem(parent), m_stopped(std::make_shared<std::atomic_bool>(false))
@@ -130,9 +105,11 @@ QCoro::Task<> Picture::decode()
     const QPointer<Picture> self(this);
     const auto stopped = std::make_shared<std::atomic_bool>(false);
     m_stopped = stopped;
-    // Made before the await: GCC 12 destroys braced temporaries of an awaited call twice.
-    const Order order{m_source.toLocalFile(), m_box.toSize(), m_framing, stopped};
-    const QImage image = co_await readInPool(order);
+    const QFuture<QImage> reading = desktop::onWorkerThread(
+        [file = m_source.toLocalFile(), box = m_box.toSize(), framing = m_framing, stopped] {
+            return readPicture(file, box, framing, *stopped);
+        });
+    const QImage image = co_await reading;
     if (!self || *stopped) {
         co_return;
     }

@@ -78,7 +78,7 @@ QImage readScaled(QImageReader &reader, QSize scaled, QRect kept)
 QImage readPicture(const QString &file, QSize box, Framing framing, const std::atomic_bool &stopped)
 {
     // Opening a pipe that is named like a picture would wait for somebody to write into it.
-    if (!QFileInfo(file).isFile()) {
+    if (stopped || !QFileInfo(file).isFile()) {
         return {};
     }
     StoppableFile device(file, stopped);

@@ -44,8 +44,13 @@ Windows::Windows(core::WallpaperManager &manager, QSettings &store, QObject *par
 
 Windows::~Windows()
 {
-    delete m_mainWindow;
-    delete m_settingsWindow;
+    for (QPointer<QQuickWindow> *window : {&m_mainWindow, &m_settingsWindow}) {
+        if (*window) {
+            // It hides when it goes, and is a QQuickWindow no more when it says so.
+            (*window)->disconnect(this);
+            delete *window;
+        }
+    }
 }
 
 void Windows::showMainWindow()

@@ -2,34 +2,17 @@
 
 #include "storage/keychain.h"
 #include "testlibs/belongings.h"
+#include "testlibs/comestrue.h"
 
-#include <QDeadlineTimer>
 #include <QTest>
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 using namespace core;
 using core::fakes::ManagerFixture;
 using storage::Keychain;
 using testlibs::Belongings;
+using testlibs::comesTrue;
 using testlibs::HttpAnswer;
-
-namespace {
-
-/// Waits without the pauses of QTRY_VERIFY, which would be most of the time here.
-template <typename Condition>
-bool comesTrue(Condition condition)
-{
-    const QDeadlineTimer deadline(std::chrono::seconds(30));
-    QTimer wake;
-    wake.start(std::chrono::seconds(1));
-    while (!condition() && !deadline.hasExpired()) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    return condition();
-}
-
-} // namespace
 
 /// Months of use in a minute: runs that overlap, upscaling, and every fourth answer failing, each
 /// in another way. PLENAURA_SOAK_CYCLES sets how many.
