@@ -18,9 +18,7 @@ target_compile_options(plenaura_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
   -fstack-protector-strong $<$<NOT:$<PLATFORM_ID:Darwin>>:-fcf-protection>
   # Some libraries ask for it; precompiled headers want all files to be compiled alike.
-  -pthread
-  # Fortification needs optimisation, and glibc warns where there is none.
-  $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+  -pthread)
 target_compile_definitions(plenaura_options INTERFACE
   QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING
   QT_DISABLE_DEPRECATED_BEFORE=0x060400)
@@ -30,8 +28,13 @@ target_link_options(plenaura_options INTERFACE
 
 if(PLENAURA_SANITIZE)
   target_compile_options(plenaura_options INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
-  target_link_options(plenaura_options INTERFACE -fsanitize=address,undefined)
+    -fsanitize=${PLENAURA_SANITIZE} -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_link_options(plenaura_options INTERFACE -fsanitize=${PLENAURA_SANITIZE})
+else()
+  # Fortification needs optimisation, and glibc warns where there is none. With the sanitizers, which
+  # watch the functions that it replaces, GCC 12 also takes its bounds for too small ones.
+  target_compile_options(plenaura_options INTERFACE
+    $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
 endif()
 
 # Reading Qt's headers is more than half of compiling, and so they are read once. That spares no file
@@ -64,6 +67,12 @@ function(plenaura_room room)
   plenaura_precompile(plenaura_${room})
 endfunction()
 
+# In seconds. Sanitizers make everything several times as slow.
+set(patience 120)
+if(PLENAURA_SANITIZE)
+  set(patience 900)
+endif()
+
 # plenaura_test(<name> [SOURCES <file>...] LINK <library>... [LABELS <label>...]
 #               [THROUGH <script> [<argument>...]])
 # A Qt Test program from <name>.cpp, run on the offscreen platform with a home of its own, or in what another script of
@@ -78,6 +87,6 @@ function(plenaura_test name)
   plenaura_precompile(${name})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
   add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/scripts/${ARG_THROUGH} $<TARGET_FILE:${name}>)
-  set_tests_properties(${name} PROPERTIES TIMEOUT 120 LABELS "unit;${ARG_LABELS}"
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${patience} LABELS "unit;${ARG_LABELS}"
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()

@@ -28,7 +28,14 @@ class Journey(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.home, ignore_errors=True)
         self.program = driver.Plenaura(self.binaries, self.home)
         self.addCleanup(self.program.end)
+        self.addCleanup(self.quit_program)
         self.addCleanup(self.keep_evidence)
+
+    def quit_program(self):
+        """By itself, for only then it tells what it left behind, to whom it is built to tell."""
+        if self.program.alive():
+            self.program.action("quit")
+            self.assertEqual(self.program.wait_for_exit(), 0)
 
     def keep_evidence(self):
         """A picture of the screen at the end of a test that failed."""
