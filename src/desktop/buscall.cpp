@@ -1,12 +1,14 @@
 #include "desktop/buscall.h"
 
-#include <QCoroSignal>
+#include <QCoroFuture>
 #include <QDBusArgument>
 #include <QDBusError>
 #include <QDBusPendingCallWatcher>
+#include <QPromise>
 #include <QScopedPointer>
 
 #include <algorithm>
+#include <memory>
 
 namespace desktop {
 
@@ -57,11 +59,16 @@ QCoro::Task<BusResult> callBus(QDBusConnection bus, QDBusMessage call, QDeadline
     const int milliseconds = int(std::max<qint64>(1, deadline.remainingTime()));
     const QDBusPendingCall pending = bus.asyncCall(call, milliseconds);
     if (!pending.isFinished()) {
-        // When the bus ends, Qt says so twice of each call that has no answer yet; QCoro's own way
-        // of waiting for a call would go on twice, the second time with what is gone.
+        // When the bus ends, Qt says so twice of each call that has no answer yet; QCoro's own ways
+        // of waiting for a call or a signal would go on twice, the second time with what is gone.
         const QScopedPointer<QDBusPendingCallWatcher, QScopedPointerDeleteLater> watcher(
             new QDBusPendingCallWatcher(pending));
-        co_await qCoro(watcher.get(), &QDBusPendingCallWatcher::finished);
+        const auto promise = std::make_shared<QPromise<void>>();
+        promise->start();
+        QObject::connect(watcher.get(), &QDBusPendingCallWatcher::finished, watcher.get(),
+            [promise] { promise->finish(); });
+        const QFuture<void> finished = promise->future();
+        co_await finished;
     }
     const QDBusMessage answer = pending.reply();
     if (answer.type() != QDBusMessage::ReplyMessage) {

@@ -11,6 +11,8 @@
 
 namespace ui {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// Sends what concerns everybody on the screen to its root window, on Qt's own connection: it
@@ -99,10 +101,11 @@ xcb_timestamp_t timeOf(const QByteArray &startupId)
 
 void putInFrontOnX11(const QWindow &window, const QByteArray &startupId)
 {
-    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (x11 == nullptr) {
+    // Platforms without a screen have a connection to the X server as well, if there is one.
+    if (QGuiApplication::platformName() != "xcb"_L1) {
         return;
     }
+    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     const RootWindow root(x11->connection());
     const auto id = xcb_window_t(window.winId());
     root.activate(id, timeOf(startupId));

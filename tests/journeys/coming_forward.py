@@ -13,6 +13,7 @@ from waiting import wait_until
 class ComingForward(journey.Journey):
     def cover(self):
         """Another program's window lies over everything and has been used last."""
+        wait_until(self.program.active_window, "our window to have the keyboard")
         launcher = Launcher()
         self.addCleanup(launcher.end)
         wait_until(lambda: not self.program.active_window(), "the other window to have the keyboard")

@@ -80,6 +80,7 @@ class Outliving(unittest.TestCase):
         self.program.put_settings(lastPrompt="a sea")
         self.program.start(wait_for_window=False)
         self.addCleanup(self.program.process.end)
+        self.program.wait_tray_item()
 
     def generate(self):
         call(self.program.NAME, "/com/tarnel/Plenaura", "org.freedesktop.Application",
