@@ -106,7 +106,8 @@ void ImageStoreTest::ofTwoSavesInOneSecondTheSecondStays()
         second = ImageStore::save("the second", u"png"_s);
         return first && first == second;
     };
-    QTRY_VERIFY(sameSecond());
+    // Again where the second ended between them.
+    QVERIFY(sameSecond() || sameSecond() || sameSecond());
     QCOMPARE(contents(second->toLocalFile()), "the second");
     QCOMPARE(ImageStore::allImages().count(*second), 1);
 }
