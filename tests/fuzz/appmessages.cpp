@@ -7,8 +7,6 @@
 
 #include <QGuiApplication>
 
-#include <array>
-
 using fuzzing::fakeBus;
 
 namespace {
@@ -45,7 +43,7 @@ void takePartInASession(const QDBusConnection &bus, const Script &script)
     fakeBus().settle(bus);
 }
 
-constexpr std::array ways{beCalled, lookForATray, takePartInASession};
+constexpr std::array<fuzzing::Way, 3> ways{beCalled, lookForATray, takePartInASession};
 
 } // namespace
 
@@ -60,11 +58,5 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 /// byte says which part of it listens, the rest is what the others do.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    if (size == 0) {
-        return -1;
-    }
-    const QDBusConnection bus = fuzzing::liveConnection();
-    ways.at(data[0] % ways.size())(bus, fuzzing::busScript(fuzzing::bytes(data + 1, size - 1)));
-    fakeBus().settle(bus);
-    return 0;
+    return fuzzing::tryWay(ways, data, size);
 }

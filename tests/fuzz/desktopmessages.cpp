@@ -11,8 +11,6 @@
 #include <QCoroTask>
 #include <QGuiApplication>
 
-#include <array>
-
 using namespace Qt::StringLiterals;
 using desktop::Picture;
 using desktop::Screen;
@@ -74,8 +72,16 @@ void followPrimary(const QDBusConnection &bus)
     fuzzing::require(!primary.name().contains(QChar::Null));
 }
 
-constexpr std::array ways{
-    setOnXfce, setOnPlasma, setByPortal, askLxqt, lookAround, layOut, followPrimary};
+template <auto way>
+void asScripted(const QDBusConnection &bus, const QList<fuzzing::BusAct> &script)
+{
+    fuzzing::fakeBus().play(script);
+    way(bus);
+}
+
+constexpr std::array<fuzzing::Way, 7> ways{asScripted<setOnXfce>, asScripted<setOnPlasma>,
+    asScripted<setByPortal>, asScripted<askLxqt>, asScripted<lookAround>, asScripted<layOut>,
+    asScripted<followPrimary>};
 
 } // namespace
 
@@ -92,13 +98,5 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 /// the others on the bus do.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    if (size == 0) {
-        return -1;
-    }
-    const QDBusConnection bus = fuzzing::liveConnection();
-    const auto script = fuzzing::busScript(fuzzing::bytes(data + 1, size - 1));
-    fuzzing::fakeBus().play(script);
-    ways.at(data[0] % ways.size())(bus);
-    fuzzing::fakeBus().settle(bus);
-    return 0;
+    return fuzzing::tryWay(ways, data, size);
 }

@@ -6,6 +6,8 @@
 #include <QDBusConnection>
 #include <QString>
 
+#include <array>
+
 namespace fuzzing {
 
 /// The one bus of a target.
@@ -28,6 +30,22 @@ inline QDBusConnection liveConnection()
         = QDBusConnection::connectToBus(QString::fromLocal8Bit(fakeBus().address()), name);
     require(connection.isConnected());
     return connection;
+}
+
+/// A part of the program with others on its bus, who do what a script says.
+using Way = void (*)(const QDBusConnection &bus, const QList<BusAct> &script);
+
+/// Tries one input: its first byte says which of @p ways, the rest is the script.
+template <size_t count>
+int tryWay(const std::array<Way, count> &ways, const uint8_t *data, size_t size)
+{
+    if (size == 0) {
+        return -1;
+    }
+    const QDBusConnection bus = liveConnection();
+    ways.at(data[0] % count)(bus, busScript(bytes(data + 1, size - 1)));
+    fakeBus().settle(bus);
+    return 0;
 }
 
 } // namespace fuzzing
