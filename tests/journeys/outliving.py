@@ -14,8 +14,7 @@ import tempfile
 import unittest
 
 import driver
-from gi.repository import GLib
-from sessionbus import call, has_owner
+from sessionbus import has_owner
 from surroundings import Desktop, ImageService
 from waiting import Process, wait_until
 
@@ -82,10 +81,6 @@ class Outliving(unittest.TestCase):
         self.addCleanup(self.program.process.end)
         self.program.wait_tray_item()
 
-    def generate(self):
-        call(self.program.NAME, "/com/tarnel/Plenaura", "org.freedesktop.Application",
-             "ActivateAction", GLib.Variant("(sava{sv})", ("generate", [], {})))
-
     def wait_picture(self):
         """The one that there is: after each run they are removed."""
         [picture] = wait_until(self.program.images, "a picture")
@@ -97,7 +92,7 @@ class Outliving(unittest.TestCase):
             picture.unlink()
 
     def assert_next_picture_is_set(self):
-        self.generate()
+        self.program.action("generate")
         picture = self.wait_picture()
         wait_until(lambda: self.desktop.backdrop() == str(picture), "the desktop's setting")
         self.wait_idle()
@@ -122,7 +117,7 @@ class Outliving(unittest.TestCase):
         """While nobody paints, the picture is set on the bare screen."""
         self.desktop.painter.end(signal.SIGKILL)
         wait_until(lambda: not has_owner("org.xfce.xfdesktop"), "nobody to paint")
-        self.generate()
+        self.program.action("generate")
         self.wait_picture()
         self.wait_idle()
         self.desktop.start_painter()
@@ -131,7 +126,7 @@ class Outliving(unittest.TestCase):
         """In the middle of a run, which goes on without it."""
         self.program.put_keys(gemini="slow-1000")
         before = len(self.service.requests())
-        self.generate()
+        self.program.action("generate")
         wait_until(lambda: len(self.service.requests()) > before, "the request")
         self.bus.end()
         self.desktop.tray.end()
