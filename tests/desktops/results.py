@@ -39,9 +39,9 @@ after it; a damaged or missing file gives "Failed: ..." and leaves the screen al
 screens: the same on the main screen, while the other one keeps what it showed. What the screens
 show is read from a pixel of each. *Hangs* and *is gone* tell what the program says when the part of
 the desktop that paints was stopped or killed before "Apply"; *program is killed*, what becomes of a
-picture it has set; a painter that is a process of its own is *started again*. *Primary screen* is the second one, while another program has the keyboard.
-*Panel is late* when it is started after the program. *Second start* is made while the window is
-closed. *While covered* by the window of another program, which has the keyboard, the window is asked
+picture it has set; a painter that is a process of its own is *started again*. *Primary screen* is the
+second one, while another program has the keyboard. *Panel is late* when it is started after the
+program. *Second start* is made while the window is closed. *While covered* by the window of another program, which has the keyboard, the window is asked
 for by a second start, by a call over the bus and by a click on the tray icon; all hand over a token
 that the desktop has given that other program, and *without a token* tells of a second start that has
 none. Nothing here is claimed that was not run; "not run" says why.
