@@ -1,6 +1,7 @@
 #include "app/trayhost.h"
 
 #include "desktop/buscall.h"
+#include "desktop/xcbreply.h"
 
 #include <QDBusMessage>
 #include <QDBusServiceWatcher>
@@ -9,11 +10,9 @@
 #include <QPointer>
 #include <QSocketNotifier>
 
-#include <cstdlib>
 #include <utility>
 #include <vector>
 
-#include <xcb/xcb.h>
 #include <xcb/xfixes.h>
 
 using namespace Qt::StringLiterals;
@@ -26,12 +25,9 @@ const auto watcherService = u"org.kde.StatusNotifierWatcher"_s;
 const auto watcherPath = u"/StatusNotifierWatcher"_s;
 
 template <typename T>
-using Reply = std::unique_ptr<T, decltype(&std::free)>;
-
-template <typename T>
-Reply<T> owned(T *reply)
+desktop::XcbReply<T> owned(T *reply)
 {
-    return {reply, &std::free};
+    return desktop::XcbReply<T>(reply);
 }
 
 } // namespace
@@ -78,7 +74,8 @@ public:
         if (xcb_connection_has_error(m_connection.get()) != 0) {
             return;
         }
-        m_selection = atom("_NET_SYSTEM_TRAY_S" + QByteArray::number(m_screenNumber));
+        m_selection = desktop::atomNamed(
+            m_connection.get(), "_NET_SYSTEM_TRAY_S" + QByteArray::number(m_screenNumber));
         m_firstEvent = xcb_get_extension_data(m_connection.get(), &xcb_xfixes_id)->first_event;
         listen();
         m_notifier = std::make_unique<QSocketNotifier>(
@@ -113,15 +110,6 @@ private:
         const auto reply = owned(xcb_get_selection_owner_reply(
             m_connection.get(), xcb_get_selection_owner(m_connection.get(), m_selection), nullptr));
         return reply ? reply->owner : xcb_window_t(XCB_NONE);
-    }
-
-    xcb_atom_t atom(const QByteArray &name) const
-    {
-        const auto reply = owned(xcb_intern_atom_reply(m_connection.get(),
-            xcb_intern_atom(
-                m_connection.get(), 0, static_cast<uint16_t>(name.size()), name.constData()),
-            nullptr));
-        return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
     }
 
     xcb_window_t root() const

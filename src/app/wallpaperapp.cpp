@@ -59,8 +59,8 @@ WallpaperApp::WallpaperApp(SingleInstance &instance, QObject *parent)
     connect(&m_trayHost, &TrayHost::available, &m_windows,
         [this] { m_windows.setTrayAvailable(true); });
     m_trayHost.watch();
-    connect(
-        &m_bus, &desktop::SessionBus::returned, this, [this, &instance] { joinAgain(instance); });
+    connect(m_bus.get(), &desktop::SessionBus::returned, this,
+        [this, &instance] { joinAgain(instance); });
 
     // What a start or a closing window still has to do is done by then.
     constexpr std::chrono::milliseconds untilSettled = 500ms;
@@ -84,11 +84,11 @@ void WallpaperApp::start()
 // Where another program has taken the name meanwhile, the two go on side by side.
 void WallpaperApp::joinAgain(SingleInstance &instance)
 {
-    instance.serveOn(m_bus.connection());
+    instance.serveOn(m_bus->connection());
     if (!SessionClient::isAskedByX11()) {
-        m_sessionClient.moveTo(m_bus.connection());
+        m_sessionClient.moveTo(m_bus->connection());
     }
-    m_trayHost.watch(m_bus.connection());
+    m_trayHost.watch(m_bus->connection());
 }
 
 void WallpaperApp::restInTray()

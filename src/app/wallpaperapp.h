@@ -53,7 +53,7 @@ private:
     void joinAgain(SingleInstance &instance);
 
     OwnSettings m_settings;
-    desktop::SessionBus m_bus;
+    std::shared_ptr<desktop::SessionBus> m_bus = desktop::SessionBus::shared();
     std::unique_ptr<core::Clock> m_clock;
     std::unique_ptr<desktop::DesktopPicture> m_desktop;
     core::WallpaperManager m_manager;

@@ -44,6 +44,17 @@ SessionBus::~SessionBus()
     forget(m_connection);
 }
 
+std::shared_ptr<SessionBus> SessionBus::shared()
+{
+    static std::weak_ptr<SessionBus> held;
+    std::shared_ptr<SessionBus> bus = held.lock();
+    if (!bus) {
+        bus = std::make_shared<SessionBus>();
+        held = bus;
+    }
+    return bus;
+}
+
 void SessionBus::listen()
 {
     m_connection.connect(anybody, u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,

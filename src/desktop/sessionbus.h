@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include <memory>
+
 namespace desktop {
 
 /// The session bus, which may end while the program runs, and be there again at the same place: Qt
@@ -15,6 +17,9 @@ class SessionBus : public QObject
 public:
     explicit SessionBus(QObject *parent = nullptr);
     ~SessionBus() override;
+
+    /// The one for all of the program, as long as anybody holds it.
+    static std::shared_ptr<SessionBus> shared();
 
     /// The one that is good now; what was asked of an earlier one was answered with an error.
     QDBusConnection connection() const { return m_connection; }

@@ -86,13 +86,13 @@ std::unique_ptr<DesktopPicture> DesktopPicture::system()
 
 SystemDesktopPicture::SystemDesktopPicture()
     : m_processes(std::make_shared<BackgroundProcesses>()),
-      m_screenChanges(m_bus.connection(), painterNames()), m_gnomePrimary(m_bus.connection())
+      m_screenChanges(m_bus->connection(), painterNames()), m_gnomePrimary(m_bus->connection())
 {
     QObject::connect(&m_screenChanges, &ScreenChanges::settled, &m_screenChanges,
-        [this] { followScreens(takeTurn(), m_bus.connection(), m_processes); });
-    QObject::connect(&m_bus, &SessionBus::returned, &m_bus, [this] {
-        m_screenChanges.moveTo(m_bus.connection());
-        m_gnomePrimary.moveTo(m_bus.connection());
+        [this] { followScreens(takeTurn(), m_bus->connection(), m_processes); });
+    QObject::connect(m_bus.get(), &SessionBus::returned, &m_screenChanges, [this] {
+        m_screenChanges.moveTo(m_bus->connection());
+        m_gnomePrimary.moveTo(m_bus->connection());
     });
 }
 
@@ -126,7 +126,7 @@ const QScreen *SystemDesktopPicture::primaryScreen() const
 
 QCoro::Task<SetResult> SystemDesktopPicture::setPicture(QString file, Screen screen)
 {
-    return setOnWhatPaints(takeTurn(), m_bus.connection(), m_processes, file, screen);
+    return setOnWhatPaints(takeTurn(), m_bus->connection(), m_processes, file, screen);
 }
 
 } // namespace desktop

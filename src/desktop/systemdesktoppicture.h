@@ -42,7 +42,7 @@ private:
     Turn takeTurn();
     const QScreen *primaryScreen() const;
 
-    SessionBus m_bus;
+    std::shared_ptr<SessionBus> m_bus = SessionBus::shared();
     std::shared_ptr<BackgroundProcesses> m_processes;
     QFuture<void> m_lastTurn;
     ScreenChanges m_screenChanges;

@@ -35,9 +35,7 @@ X11Display::X11Display(Connection connection, xcb_screen_t *screen)
 
 xcb_atom_t X11Display::atom(const QByteArray &name) const
 {
-    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection(), xcb_intern_atom(connection(), 0, name.size(), name.constData()), nullptr));
-    return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+    return atomNamed(connection(), name);
 }
 
 QString X11Display::atomName(xcb_atom_t atom) const

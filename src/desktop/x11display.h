@@ -1,26 +1,15 @@
 #pragma once
 
 #include "desktop/desktoppicture.h"
+#include "desktop/xcbreply.h"
 
 #include <QByteArray>
 
-#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <vector>
 
-#include <xcb/xcb.h>
-
 namespace desktop {
-
-struct FreeReply
-{
-    void operator()(void *reply) const { std::free(reply); }
-};
-
-/// An answer of the X server; null when it refused or is gone.
-template <typename Reply>
-using XcbReply = std::unique_ptr<Reply, FreeReply>;
 
 /// A connection of our own to the X server, closed at the end of its life. Not Qt's, so that it can
 /// be used on any thread and what it leaves behind on the server is its own affair. Every question

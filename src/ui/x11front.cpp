@@ -1,13 +1,11 @@
 #include "ui/x11front.h"
 
+#include "desktop/xcbreply.h"
+
 #include <QGuiApplication>
 #include <QWindow>
 
-#include <cstdlib>
 #include <cstring>
-#include <memory>
-
-#include <xcb/xcb.h>
 
 namespace ui {
 
@@ -30,21 +28,11 @@ public:
     void endStart(xcb_window_t window, const QByteArray &id) const;
 
 private:
-    xcb_atom_t atom(const QByteArray &name) const;
     void send(const xcb_client_message_event_t &message, uint32_t toWhom) const;
 
     xcb_connection_t *const m_connection;
     const xcb_window_t m_window;
 };
-
-xcb_atom_t RootWindow::atom(const QByteArray &name) const
-{
-    const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
-        xcb_intern_atom_reply(m_connection,
-            xcb_intern_atom(m_connection, 0, uint16_t(name.size()), name.constData()), nullptr),
-        &std::free);
-    return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
-}
 
 void RootWindow::send(const xcb_client_message_event_t &message, uint32_t toWhom) const
 {
@@ -61,7 +49,7 @@ void RootWindow::activate(xcb_window_t window, xcb_timestamp_t time) const
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
     message.window = window;
-    message.type = atom("_NET_ACTIVE_WINDOW");
+    message.type = desktop::atomNamed(m_connection, "_NET_ACTIVE_WINDOW");
     message.data.data32[0] = time == XCB_CURRENT_TIME ? Tool : Program;
     message.data.data32[1] = time;
     send(message, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
@@ -78,8 +66,8 @@ void RootWindow::endStart(xcb_window_t window, const QByteArray &id) const
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 8;
     message.window = window;
-    message.type = atom("_NET_STARTUP_INFO_BEGIN");
-    const xcb_atom_t more = atom("_NET_STARTUP_INFO");
+    message.type = desktop::atomNamed(m_connection, "_NET_STARTUP_INFO_BEGIN");
+    const xcb_atom_t more = desktop::atomNamed(m_connection, "_NET_STARTUP_INFO");
     constexpr qsizetype partSize = sizeof(message.data.data8);
     for (qsizetype start = 0; start < text.size(); start += partSize) {
         const QByteArray part = text.mid(start, partSize).leftJustified(partSize, '\0');

@@ -1,5 +1,7 @@
 #include "app/trayhost.h"
 
+#include "desktop/xcbreply.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QGuiApplication>
@@ -9,8 +11,6 @@
 #include <QTest>
 
 #include <memory>
-
-#include <xcb/xcb.h>
 
 using namespace Qt::StringLiterals;
 using app::TrayHost;
@@ -79,8 +79,8 @@ public:
     /// Whether somebody has asked it to take in an icon.
     bool isAsked()
     {
-        while (const Reply<xcb_generic_event_t> event{
-            xcb_poll_for_event(m_connection.get()), &std::free}) {
+        while (const desktop::XcbReply<xcb_generic_event_t> event{
+            xcb_poll_for_event(m_connection.get())}) {
             const auto *message = reinterpret_cast<const xcb_client_message_event_t *>(event.get());
             m_isAsked = m_isAsked
                 || ((event->response_type & 0x7fU) == XCB_CLIENT_MESSAGE
@@ -90,17 +90,9 @@ public:
     }
 
 private:
-    template <typename T>
-    using Reply = std::unique_ptr<T, decltype(&std::free)>;
-
     xcb_atom_t atom(const QByteArray &name) const
     {
-        const Reply<xcb_intern_atom_reply_t> reply(
-            xcb_intern_atom_reply(m_connection.get(),
-                xcb_intern_atom(m_connection.get(), 0, uint16_t(name.size()), name.constData()),
-                nullptr),
-            &std::free);
-        return reply->atom;
+        return desktop::atomNamed(m_connection.get(), name);
     }
 
     std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> m_connection;

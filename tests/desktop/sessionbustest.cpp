@@ -43,6 +43,12 @@ private Q_SLOTS:
         QVERIFY(image.save(m_picture));
     }
 
+    void allOfTheProgramSharesOne()
+    {
+        const auto held = SessionBus::shared();
+        QCOMPARE(SessionBus::shared(), held);
+    }
+
     void itReturnsAsOftenAsItEnds()
     {
         const SessionBus bus;

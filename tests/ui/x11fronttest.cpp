@@ -1,22 +1,14 @@
 #include "ui/x11front.h"
 
+#include "desktop/xcbreply.h"
+
 #include <QTest>
 #include <QWindow>
 
-#include <cstdlib>
 #include <memory>
 #include <vector>
 
-#include <xcb/xcb.h>
-
 using namespace Qt::StringLiterals;
-
-namespace {
-
-template <typename T>
-using Reply = std::unique_ptr<T, decltype(&std::free)>;
-
-} // namespace
 
 /// Hears what window managers and launchers hear, on a connection of its own.
 class Listener
@@ -59,17 +51,13 @@ public:
 private:
     xcb_atom_t atom(const QByteArray &name) const
     {
-        const Reply<xcb_intern_atom_reply_t> reply(
-            xcb_intern_atom_reply(m_connection.get(),
-                xcb_intern_atom(m_connection.get(), 0, uint16_t(name.size()), name.constData()),
-                nullptr),
-            &std::free);
-        return reply->atom;
+        return desktop::atomNamed(m_connection.get(), name);
     }
+
     void read()
     {
-        while (const Reply<xcb_generic_event_t> event{
-            xcb_poll_for_event(m_connection.get()), &std::free}) {
+        while (const desktop::XcbReply<xcb_generic_event_t> event{
+            xcb_poll_for_event(m_connection.get())}) {
             if ((event->response_type & 0x7fU) == XCB_CLIENT_MESSAGE) {
                 m_messages.push_back(
                     *reinterpret_cast<const xcb_client_message_event_t *>(event.get()));
