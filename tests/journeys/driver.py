@@ -134,20 +134,24 @@ class Plenaura:
                 continue
         return None
 
-    def look(self, role=None, name=None):
-        """All that is on screen now with this role and name."""
+    def named(self, role=None, name=None):
+        """All that is on screen now with this role and name, each with its name."""
         application = self.application()
         if application is None:
             return []
         found = []
         for node in descendants(application):
             try:
+                own_name = node.get_name()
                 if (role is None or node.get_role_name() == role) \
-                        and (name is None or node.get_name() == name) and is_showing(node):
-                    found.append(node)
+                        and name in (None, own_name) and is_showing(node):
+                    found.append((own_name, node))
             except GLib.Error:
                 continue
         return found
+
+    def look(self, role=None, name=None):
+        return [node for _, node in self.named(role, name)]
 
     def find(self, role, name, patience=PATIENCE):
         return wait_until(lambda: self.look(role, name), f"{role} {name!r}", patience)[0]
@@ -162,11 +166,10 @@ class Plenaura:
         try:
             return self.find("label", text, patience)
         except Impatience as error:
-            labels = [node.get_name() for node in self.look("label")]
-            raise Impatience(f"{error}; the labels are {labels}") from None
+            raise Impatience(f"{error}; the labels are {self.names('label')}") from None
 
     def names(self, role):
-        return [node.get_name() for node in self.look(role)]
+        return [name for name, _ in self.named(role)]
 
     def windows(self):
         return self.names("frame")

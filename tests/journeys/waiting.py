@@ -4,6 +4,8 @@ import signal
 import subprocess
 import time
 
+from gi.repository import GLib
+
 PATIENCE = 30.0
 
 
@@ -14,11 +16,17 @@ class Impatience(AssertionError):
 def wait_until(condition, what, patience=PATIENCE, interval=0.02):
     """Returns the first true answer of condition(), or fails after so many seconds of patience.
 
-    It is asked again after each interval, in seconds.
+    It is asked again after each interval, in seconds, also where what it looked at went away
+    meanwhile, as parts of a window do that changes.
     """
     end = time.monotonic() + patience
     while True:
-        answer = condition()
+        try:
+            answer = condition()
+        except GLib.Error as error:
+            if error.domain != "atspi_error":
+                raise
+            answer = None
         if answer:
             return answer
         if time.monotonic() > end:
