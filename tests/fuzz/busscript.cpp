@@ -1,21 +1,10 @@
-// First, as Qt's macros would spoil its headers.
-#include <gio/gio.h>
-
 #include "busscript.h"
 
-#include <memory>
+#include "giopointers.h"
 
 namespace fuzzing {
 
 namespace {
-
-struct Unref
-{
-    void operator()(GVariant *value) const { g_variant_unref(value); }
-    void operator()(GDBusMessage *message) const { g_object_unref(message); }
-};
-using Value = std::unique_ptr<GVariant, Unref>;
-using Message = std::unique_ptr<GDBusMessage, Unref>;
 
 QByteArray takeWord(QByteArray &line)
 {

@@ -1,7 +1,6 @@
-// First, as Qt's macros would spoil its headers.
-#include <gio/gio.h>
-
 #include "fakebus.h"
+
+#include "giopointers.h"
 #include "input.h"
 
 #include <QCoreApplication>
@@ -10,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -22,13 +20,6 @@ namespace {
 
 constexpr auto busName = "org.freedesktop.DBus";
 
-struct Unref
-{
-    void operator()(GDBusMessage *message) const { g_object_unref(message); }
-    void operator()(GVariant *value) const { g_variant_unref(value); }
-};
-using Message = std::unique_ptr<GDBusMessage, Unref>;
-
 /// What the program calls its request to a portal, which is where the response goes.
 QByteArray requestPath(GDBusMessage *call)
 {
@@ -36,7 +27,7 @@ QByteArray requestPath(GDBusMessage *call)
     if (body == nullptr || g_variant_is_of_type(body, G_VARIANT_TYPE("(sha{sv})")) == FALSE) {
         return {};
     }
-    const std::unique_ptr<GVariant, Unref> options(g_variant_get_child_value(body, 2));
+    const Value options(g_variant_get_child_value(body, 2));
     const char *token = "";
     g_variant_lookup(options.get(), "handle_token", "&s", &token);
     return QByteArray("/org/freedesktop/portal/desktop/request/1_1/") + token;
