@@ -35,7 +35,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int rounds = 3;
+constexpr int rounds = 7;
 constexpr double copiesInBudget = 30.0 / 14;
 
 [[noreturn]] void giveUp(const QString &why)

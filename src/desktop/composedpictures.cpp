@@ -5,8 +5,10 @@
 #include <QJsonDocument>
 #include <QSaveFile>
 #include <QStandardPaths>
+#include <QtEndian>
 
 #include <atomic>
+#include <optional>
 
 namespace desktop {
 
@@ -22,6 +24,51 @@ QString newName()
 {
     static std::atomic_int count = 0;
     return u"composed_%1_%2.bmp"_s.arg(QDateTime::currentMSecsSinceEpoch()).arg(++count);
+}
+
+constexpr qsizetype headerSize = 54;
+
+/// Where the pixels of a BMP file are that has three bytes for each, and its rows from the bottom
+/// up.
+struct Pixels
+{
+    qint64 begin;
+    QSize size;
+
+    // A row takes a multiple of four bytes.
+    qint64 bytesPerLine() const { return (qint64(size.width()) * 3 + 3) / 4 * 4; }
+    qint64 end() const { return begin + size.height() * bytesPerLine(); }
+    qint64 at(int x, int y) const
+    {
+        return begin + (size.height() - 1 - y) * bytesPerLine() + qint64(x) * 3;
+    }
+};
+
+std::optional<Pixels> pixelsOf(const QByteArray &header)
+{
+    if (header.size() < headerSize || !header.startsWith("BM")) {
+        return {};
+    }
+    const auto number
+        = [&](int offset) { return qFromLittleEndian<qint32>(header.constData() + offset); };
+    const bool hasPlainColours = qFromLittleEndian<quint16>(header.constData() + 28) == 24
+        && number(30) == 0; // Not compressed.
+    const Pixels pixels{number(10), {number(18), number(22)}};
+    const bool isInOrder = pixels.begin >= headerSize && !pixels.size.isEmpty();
+    return hasPlainColours && isInOrder ? std::optional(pixels) : std::nullopt;
+}
+
+bool writeRows(QFile &file, const Pixels &pixels, const QImage &image, QPoint place)
+{
+    const QImage bytes = image.convertToFormat(QImage::Format_BGR888);
+    const qint64 length = 3 * qint64(bytes.width());
+    for (int y = 0; y < bytes.height(); ++y) {
+        const auto *row = reinterpret_cast<const char *>(bytes.constScanLine(y));
+        if (!file.seek(pixels.at(place.x(), place.y() + y)) || file.write(row, length) != length) {
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -44,6 +91,27 @@ tl::expected<QString, QString> ComposedPictures::save(const QImage &image) const
     const QString reason = file.errorString();
     file.remove();
     return tl::make_unexpected(u"The picture of all screens cannot be saved: "_s + reason);
+}
+
+std::optional<QString> ComposedPictures::saveWithin(
+    const QString &name, const QImage &image, QPoint place) const
+{
+    QFile before(name);
+    if (!before.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    const std::optional<Pixels> pixels = pixelsOf(before.read(headerSize));
+    if (!pixels || pixels->end() > before.size()
+        || !QRect({}, pixels->size).contains({place, image.size()})) {
+        return {};
+    }
+    QFile file(m_folder.filePath(newName()));
+    if (before.copy(file.fileName()) && file.open(QIODevice::ReadWrite | QIODevice::Unbuffered)
+        && writeRows(file, *pixels, image, place)) {
+        return file.fileName();
+    }
+    file.remove();
+    return {};
 }
 
 QStringList ComposedPictures::files() const

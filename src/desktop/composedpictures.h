@@ -4,9 +4,12 @@
 
 #include <QDir>
 #include <QImage>
+#include <QPoint>
 #include <QStringList>
 
 #include <tl/expected.hpp>
+
+#include <optional>
 
 namespace desktop {
 
@@ -27,6 +30,9 @@ public:
 
     /// A new file, as desktops do not read the same name twice; else one sentence for people.
     tl::expected<QString, QString> save(const QImage &image) const;
+    /// A new file with @p image at @p place of what save() has made of another one, sooner than all
+    /// of it is drawn again for one screen. Nothing where that cannot be done.
+    std::optional<QString> saveWithin(const QString &file, const QImage &image, QPoint place) const;
     /// Absolute paths.
     QStringList files() const;
 

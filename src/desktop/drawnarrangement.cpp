@@ -4,8 +4,10 @@
 #include "desktop/shownimage.h"
 
 #include <QHash>
+#include <QImageReader>
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 namespace desktop {
@@ -85,38 +87,29 @@ bool overlapsOthers(const Screen &screen, const Arrangement &arrangement)
         });
 }
 
-QSize sizeOfAll(const Arrangement &arrangement)
+QRect placeOfAll(const Arrangement &arrangement)
 {
     QRect all;
     for (const Screen &screen : arrangement.attachedScreens()) {
         all |= screen.geometry;
     }
-    return all.size();
+    return all;
 }
 
 /// Whether the screen stays as it is, pixel for pixel.
-bool isDrawnAlready(const ShowingScreen &each, const Arrangement &present, Images &images)
+bool isDrawnAlready(const ShowingScreen &each, const Arrangement &present)
 {
     const ShowingScreen *before = present.isSpanning ? present.find(each.screen.name) : nullptr;
     return before != nullptr && *before == each && !overlapsOthers(each.screen, present)
-        && images.image(present.file).size() == sizeOfAll(present);
+        && QImageReader(present.file).size() == placeOfAll(present).size();
 }
 
 void replaceIfLost(ShowingScreen &each, const Arrangement &present, Images &images)
 {
     const std::optional<Shown> seen = shownInFile(each, present);
-    if (seen && !isDrawnAlready(each, present, images) && isLost(each.shown, images)) {
+    if (seen && !isDrawnAlready(each, present) && isLost(each.shown, images)) {
         each.shown = *seen;
     }
-}
-
-/// What was composed for a screen that stays as it is is sooner read than its picture, which would
-/// have to be scaled again.
-ShowingScreen soonestRead(const ShowingScreen &each, const Arrangement &present, Images &images)
-{
-    return isDrawnAlready(each, present, images)
-        ? ShowingScreen{each.screen, *shownInFile(each, present)}
-        : each;
 }
 
 Part partOf(const ShowingScreen &each, Images &images)
@@ -129,18 +122,42 @@ Part partOf(const ShowingScreen &each, Images &images)
         each.shown.placement, each.shown.background};
 }
 
-QImage composedImage(const Arrangement &wanted, const Arrangement &present, Images &images)
+QImage composedImage(const Arrangement &wanted, Images &images)
 {
     QList<Part> parts;
     for (const ShowingScreen &each : wanted.screens) {
         if (each.isAttached()) {
             // What lies in the same place as the main screen mirrors it.
             const bool isMain = each.screen.name == wanted.mainScreen;
-            parts.insert(
-                isMain ? parts.size() : 0, partOf(soonestRead(each, present, images), images));
+            parts.insert(isMain ? parts.size() : 0, partOf(each, images));
         }
     }
     return compose(parts);
+}
+
+/// The only screen that is not drawn as it is to be; nothing where there are several.
+std::optional<ShowingScreen> onlyChange(const Arrangement &wanted, const Arrangement &present)
+{
+    QList<ShowingScreen> changed;
+    std::copy_if(wanted.screens.begin(), wanted.screens.end(), std::back_inserter(changed),
+        [&](const ShowingScreen &each) {
+            return each.isAttached() && !isDrawnAlready(each, present);
+        });
+    const bool isInPlace = changed.size() == 1 && placeOfAll(wanted) == placeOfAll(present)
+        && !overlapsOthers(changed.first().screen, wanted);
+    return isInPlace ? std::optional(changed.first()) : std::nullopt;
+}
+
+/// A new file for all screens.
+tl::expected<QString, QString> draw(const Arrangement &wanted, const Arrangement &present,
+    Images &images, const ComposedPictures &pictures)
+{
+    const std::optional<ShowingScreen> changed = onlyChange(wanted, present);
+    const std::optional<QString> file = changed
+        ? pictures.saveWithin(present.file, compose({partOf(*changed, images)}),
+            changed->screen.geometry.topLeft() - placeOfAll(wanted).topLeft())
+        : std::nullopt;
+    return file ? *file : pictures.save(composedImage(wanted, images));
 }
 
 } // namespace
@@ -159,7 +176,7 @@ tl::expected<Arrangement, QString> drawn(const Arrangement &wanted, const Arrang
     for (ShowingScreen &each : done.screens) {
         replaceIfLost(each, present, images);
     }
-    return pictures.save(composedImage(done, present, images)).map([&](const QString &file) {
+    return draw(done, present, images, pictures).map([&](const QString &file) {
         done.file = file;
         return done;
     });

@@ -2,6 +2,7 @@
 
 #include "onscreen.h"
 
+#include <QPainter>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -15,6 +16,17 @@ QString folder()
 {
     return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation)
         + u"/composed/gnome"_s;
+}
+
+QImage manyColours(QSize size, int blue)
+{
+    QImage image(size, QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            image.setPixel(x, y, qRgb(10 * x, 20 * y, blue - x - 10 * y));
+        }
+    }
+    return image;
 }
 
 } // namespace
@@ -39,6 +51,56 @@ private Q_SLOTS:
         }
         QCOMPARE(pictures.files().size(), 50);
         QVERIFY(pictures.files().contains(file));
+    }
+
+    void anImageIsPutWithinAnother_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QRect>("place");
+        QTest::newRow("all of it") << QSize(8, 6) << QRect(0, 0, 8, 6);
+        QTest::newRow("right half") << QSize(8, 6) << QRect(4, 0, 4, 6);
+        // A row is filled up to a multiple of four bytes: by one, by two, by three.
+        QTest::newRow("by one") << QSize(5, 3) << QRect(1, 1, 3, 2);
+        QTest::newRow("by two") << QSize(6, 3) << QRect(5, 0, 1, 3);
+        QTest::newRow("by three") << QSize(7, 3) << QRect(0, 2, 7, 1);
+    }
+
+    void anImageIsPutWithinAnother()
+    {
+        QFETCH(const QSize, size);
+        QFETCH(const QRect, place);
+        const ComposedPictures pictures(u"gnome"_s);
+        QImage expected = manyColours(size, 255);
+        const QString before = pictures.save(expected).value();
+        const QImage within = manyColours(place.size(), 80);
+        const auto file = pictures.saveWithin(before, within, place.topLeft());
+        QVERIFY(file);
+        QPainter(&expected).drawImage(place.topLeft(), within);
+        QCOMPARE(QImage(*file).convertToFormat(QImage::Format_RGB32), expected);
+        QVERIFY(*file != before);
+        QCOMPARE(QImage(before).convertToFormat(QImage::Format_RGB32), manyColours(size, 255));
+    }
+
+    void anImageIsPutWithinNothingElse()
+    {
+        const ComposedPictures pictures(u"gnome"_s);
+        const QImage red = oneColour({8, 6}, Qt::red);
+        const QString file = pictures.save(red).value();
+        const auto saved = [&](QPoint place, const QString &name) {
+            return pictures.saveWithin(name, red, place).has_value();
+        };
+        QVERIFY(!saved({1, 0}, file));
+        QVERIFY(!saved({0, -1}, file));
+        QVERIFY(!saved({0, 0}, folder() + u"/none.bmp"_s));
+        QVERIFY(QFile::resize(file, QFileInfo(file).size() - 1));
+        QVERIFY(!saved({0, 0}, file));
+        QVERIFY(QFile::resize(file, 30));
+        QVERIFY(!saved({0, 0}, file));
+        QVERIFY(red.convertToFormat(QImage::Format_Indexed8).save(file, "BMP"));
+        QVERIFY(!saved({0, 0}, file));
+        QVERIFY(red.save(file, "PNG"));
+        QVERIFY(!saved({0, 0}, file));
+        QCOMPARE(pictures.files(), QStringList(file));
     }
 
     void desktopsDoNotShareThem()
