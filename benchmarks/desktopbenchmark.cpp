@@ -10,7 +10,8 @@
 //
 // The budget is one decode of the same picture and 30 ms, both measured beside it in the same way.
 // As a millisecond is not the same on every machine, the 30 are those of one that copies an image
-// of 25 MB in 14.
+// of 25 MB in 14. Of each, the quickest of all rounds counts: what a machine has to do besides
+// makes a decode of a PNG take up to 100 ms more, now this one and now that one, and never less.
 
 #include "desktop/screenchanges.h"
 #include "desktop/systemdesktoppicture.h"
@@ -125,6 +126,11 @@ void setPicture(desktop::DesktopPicture &desktopPicture, const QString &file)
     }
 }
 
+double quickest(const QList<double> &seconds)
+{
+    return *std::min_element(seconds.begin(), seconds.end());
+}
+
 void measureFormat(const QString &title, const QString &extension,
     desktop::DesktopPicture &desktopPicture, const Screens &screens)
 {
@@ -133,24 +139,24 @@ void measureFormat(const QString &title, const QString &extension,
     QList<double> whole;
     QList<double> own;
     QList<double> decoding;
-    QList<double> budgets;
+    QList<double> copying;
     for (int round = 0; round < rounds; ++round) {
         screens.settle();
         const QString file = pictures.next();
-        const double copy = measure::ownSeconds(measure::copySeconds);
+        copying += measure::ownSeconds(measure::copySeconds);
         decoding += measure::ownSeconds([&] { const QImage image(file); });
         own += measure::ownSeconds(
             [&] { whole += measure::seconds([&] { setPicture(desktopPicture, file); }); });
-        budgets += own.last() / (decoding.last() + copiesInBudget * copy);
     }
     const std::string name = (title + u", "_s + extension.toUpper() + u": "_s).toStdString();
     const auto milliseconds = [&](const char *what, const QList<double> &seconds) {
-        measure::tell((name + what).c_str(), 1000 * measure::median(seconds));
+        measure::tell((name + what).c_str(), 1000 * quickest(seconds));
     };
     milliseconds("until it is set, ms", whole);
     milliseconds("own share, ms", own);
     milliseconds("one decode, ms", decoding);
-    measure::expectAtMost((name + "own share, budgets").c_str(), measure::median(budgets), 1);
+    const double budget = quickest(decoding) + copiesInBudget * quickest(copying);
+    measure::expectAtMost((name + "own share, budgets").c_str(), quickest(own) / budget, 1);
 }
 
 /// What the program does at its start, when it is first told of the screens, is not measured.

@@ -63,7 +63,8 @@ tl::expected<Picture, QString> readPicture(const QString &file)
         return tl::make_unexpected(u"Not a file"_s);
     }
     QFile opened(info.absoluteFilePath());
-    if (!opened.open(QIODevice::ReadOnly)) {
+    // The readers have blocks of their own; a buffer would only copy all bytes once more.
+    if (!opened.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         return tl::make_unexpected(u"The file cannot be read: "_s + opened.errorString());
     }
     if (info.size() == 0) {
