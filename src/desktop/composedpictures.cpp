@@ -8,7 +8,9 @@
 #include <QtEndian>
 
 #include <atomic>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 namespace desktop {
 
@@ -37,7 +39,10 @@ struct Pixels
 
     // A row takes a multiple of four bytes.
     qint64 bytesPerLine() const { return (qint64(size.width()) * 3 + 3) / 4 * 4; }
-    qint64 end() const { return begin + size.height() * bytesPerLine(); }
+    bool areIn(qint64 fileSize) const
+    {
+        return begin <= fileSize && size.height() <= (fileSize - begin) / bytesPerLine();
+    }
     qint64 at(int x, int y) const
     {
         return begin + (size.height() - 1 - y) * bytesPerLine() + qint64(x) * 3;
@@ -56,6 +61,16 @@ std::optional<Pixels> pixelsOf(const QByteArray &header)
     const Pixels pixels{number(10), {number(18), number(22)}};
     const bool isInOrder = pixels.begin >= headerSize && !pixels.size.isEmpty();
     return hasPlainColours && isInOrder ? std::optional(pixels) : std::nullopt;
+}
+
+// QFile's own copying waits for the disk.
+bool copyFile(const QString &from, const QString &to)
+{
+    const auto path = [](const QString &name) {
+        return std::filesystem::path(QFile::encodeName(name).toStdString());
+    };
+    std::error_code failed;
+    return std::filesystem::copy_file(path(from), path(to), failed);
 }
 
 bool writeRows(QFile &file, const Pixels &pixels, const QImage &image, QPoint place)
@@ -101,12 +116,12 @@ std::optional<QString> ComposedPictures::saveWithin(
         return {};
     }
     const std::optional<Pixels> pixels = pixelsOf(before.read(headerSize));
-    if (!pixels || pixels->end() > before.size()
+    if (!pixels || !pixels->areIn(before.size())
         || !QRect({}, pixels->size).contains({place, image.size()})) {
         return {};
     }
     QFile file(m_folder.filePath(newName()));
-    if (before.copy(file.fileName()) && file.open(QIODevice::ReadWrite | QIODevice::Unbuffered)
+    if (copyFile(name, file.fileName()) && file.open(QIODevice::ReadWrite | QIODevice::Unbuffered)
         && writeRows(file, *pixels, image, place)) {
         return file.fileName();
     }

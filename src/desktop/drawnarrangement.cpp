@@ -112,6 +112,14 @@ void replaceIfLost(ShowingScreen &each, const Arrangement &present, Images &imag
     }
 }
 
+/// What was composed for a screen that stays as it is is sooner read than its picture, which would
+/// have to be scaled again, and is there also when that one is not any more.
+ShowingScreen soonestRead(const ShowingScreen &each, const Arrangement &present)
+{
+    return isDrawnAlready(each, present) ? ShowingScreen{each.screen, *shownInFile(each, present)}
+                                         : each;
+}
+
 Part partOf(const ShowingScreen &each, Images &images)
 {
     const QRectF unit = each.screen.geometry;
@@ -122,14 +130,14 @@ Part partOf(const ShowingScreen &each, Images &images)
         each.shown.placement, each.shown.background};
 }
 
-QImage composedImage(const Arrangement &wanted, Images &images)
+QImage composedImage(const Arrangement &wanted, const Arrangement &present, Images &images)
 {
     QList<Part> parts;
     for (const ShowingScreen &each : wanted.screens) {
         if (each.isAttached()) {
             // What lies in the same place as the main screen mirrors it.
             const bool isMain = each.screen.name == wanted.mainScreen;
-            parts.insert(isMain ? parts.size() : 0, partOf(each, images));
+            parts.insert(isMain ? parts.size() : 0, partOf(soonestRead(each, present), images));
         }
     }
     return compose(parts);
@@ -157,7 +165,7 @@ tl::expected<QString, QString> draw(const Arrangement &wanted, const Arrangement
         ? pictures.saveWithin(present.file, compose({partOf(*changed, images)}),
             changed->screen.geometry.topLeft() - placeOfAll(wanted).topLeft())
         : std::nullopt;
-    return file ? *file : pictures.save(composedImage(wanted, images));
+    return file ? *file : pictures.save(composedImage(wanted, present, images));
 }
 
 } // namespace

@@ -24,13 +24,14 @@ namespace {
 bool endsTheLoop(const std::function<void()> &act)
 {
     bool loopWentOn = false;
+    QObject untilHere; // What is still queued when the loop has ended goes with it.
     QMetaObject::invokeMethod(
-        qApp,
+        &untilHere,
         [&] {
             act();
             // What is asked to end the loop comes before what is queued after it.
             QMetaObject::invokeMethod(
-                qApp,
+                &untilHere,
                 [&] {
                     loopWentOn = true;
                     QCoreApplication::exit(1);

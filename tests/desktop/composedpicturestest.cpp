@@ -96,6 +96,13 @@ private Q_SLOTS:
         QVERIFY(!saved({0, 0}, file));
         QVERIFY(QFile::resize(file, 30));
         QVERIFY(!saved({0, 0}, file));
+        // One that says to be as large as can be.
+        QVERIFY(red.save(file, "BMP"));
+        QFile forged(file);
+        QVERIFY(forged.open(QIODevice::ReadWrite) && forged.seek(18));
+        QVERIFY(forged.write(QByteArray::fromHex("ffffff7fffffff7f")) == 8);
+        forged.close();
+        QVERIFY(!saved({0, 0}, file));
         QVERIFY(red.convertToFormat(QImage::Format_Indexed8).save(file, "BMP"));
         QVERIFY(!saved({0, 0}, file));
         QVERIFY(red.save(file, "PNG"));

@@ -173,6 +173,8 @@ private Q_SLOTS:
             QCOMPARE(shown().pixelColor(79, 30), QColor(Qt::green));
             QCOMPARE(shown().copy(80, 0, 100, 60), oneColour({100, 60}, Qt::red));
         }
+        QCOMPARE(errorOf(set(m_folder.picture(u"green2.png"_s, Qt::green))), u"no error"_s);
+        QCOMPARE(shown().copy(80, 0, 100, 60), oneColour({100, 60}, Qt::red));
     }
 
     void anotherScreenKeepsWhatItShowsWhenItsPictureIsOverwritten()

@@ -13,6 +13,7 @@
 #include <QCoroTask>
 #include <QGuiApplication>
 #include <QImage>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -45,8 +46,11 @@ private Q_SLOTS:
 
     void allOfTheProgramSharesOne()
     {
-        const auto held = SessionBus::shared();
+        auto held = SessionBus::shared();
         QCOMPARE(SessionBus::shared(), held);
+        const QPointer<SessionBus> bus = held.get();
+        held.reset();
+        QVERIFY(!bus);
     }
 
     void itReturnsAsOftenAsItEnds()

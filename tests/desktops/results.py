@@ -41,10 +41,11 @@ show is read from a pixel of each. *Hangs* and *is gone* tell what the program s
 the desktop that paints was stopped or killed before "Apply"; *program is killed*, what becomes of a
 picture it has set; a painter that is a process of its own is *started again*. *Primary screen* is the
 second one, while another program has the keyboard. *Panel is late* when it is started after the
-program. *Second start* is made while the window is closed. *While covered* by the window of another program, which has the keyboard, the window is asked
-for by a second start, by a call over the bus and by a click on the tray icon; all hand over a token
-that the desktop has given that other program, and *without a token* tells of a second start that has
-none. Nothing here is claimed that was not run; "not run" says why.
+program. *Second start* is made while the window is closed. *While covered* by the window of another
+program, which has the keyboard, the window is asked for by a second start, by a call over the bus and
+by a click on the tray icon; all hand over a token that the desktop has given that other program, and
+*without a token* tells of a second start that has none. Nothing here is claimed that was not run;
+"not run" says why.
 
 | Desktop | Package | One screen | Two screens | Primary screen | Painter hangs | Painter is gone | Program is killed | Tray icon | Panel restarted | Panel is late | Second start | Start while covered | Call while covered | Click while covered | Start without a token | Logout | Read how |
 |---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|---|

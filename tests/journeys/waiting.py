@@ -21,16 +21,17 @@ def wait_until(condition, what, patience=PATIENCE, interval=0.02):
     """
     end = time.monotonic() + patience
     while True:
+        gone = None
         try:
             answer = condition()
         except GLib.Error as error:
             if error.domain != "atspi_error":
                 raise
-            answer = None
+            answer, gone = None, error
         if answer:
             return answer
         if time.monotonic() > end:
-            raise Impatience(f"waited {patience:.0f} s for: {what}")
+            raise Impatience(f"waited {patience:.0f} s for: {what}") from gone
         time.sleep(interval)
 
 

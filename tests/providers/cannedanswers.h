@@ -15,7 +15,7 @@ inline QByteArray operator""_json(const char *text, size_t size)
 }
 
 /// "Man", in base64.
-const QByteArray base64 = "TWFu"_ba;
+inline const QByteArray base64 = "TWFu"_ba;
 
 /// As Gemini and the upscaler are answered.
 inline QByteArray candidates(const QByteArray &parts)
