@@ -91,7 +91,7 @@ inline QString outcomeOf(const Caller &caller, testlibs::HttpServer &server,
     const testlibs::HttpAnswer &answer, const QString &key = u"canary-key"_s)
 {
     server.enqueue(answer);
-    auto exchange = std::make_shared<providers::HttpExchange>(std::chrono::milliseconds(500));
+    auto exchange = std::make_shared<providers::HttpExchange>(std::chrono::milliseconds(1500));
     return outcome(QCoro::waitFor(caller.call(exchange, server.url(), u"a hill"_s, key)));
 }
 

@@ -145,7 +145,7 @@ private Q_SLOTS:
         QFETCH(bool, closes);
         QFETCH(QString, expected);
         DeafServer server(bytes, closes);
-        HttpExchange exchange(500ms);
+        HttpExchange exchange(1500ms);
         const QString answer
             = answerOf(exchange, request(u"https://127.0.0.1:%1/"_s.arg(server.serverPort())));
         QVERIFY2(answer.startsWith(expected), qPrintable(answer));
