@@ -28,7 +28,7 @@ QString newName()
     return u"composed_%1_%2.bmp"_s.arg(QDateTime::currentMSecsSinceEpoch()).arg(++count);
 }
 
-constexpr qsizetype headerSize = 54;
+constexpr qsizetype bitmapHeaderSize = 54;
 
 /// Where the pixels of a BMP file are that has three bytes for each, and its rows from the bottom
 /// up.
@@ -51,7 +51,7 @@ struct Pixels
 
 std::optional<Pixels> pixelsOf(const QByteArray &header)
 {
-    if (header.size() < headerSize || !header.startsWith("BM")) {
+    if (header.size() < bitmapHeaderSize || !header.startsWith("BM")) {
         return {};
     }
     const auto number
@@ -59,7 +59,7 @@ std::optional<Pixels> pixelsOf(const QByteArray &header)
     const bool hasPlainColours = qFromLittleEndian<quint16>(header.constData() + 28) == 24
         && number(30) == 0; // Not compressed.
     const Pixels pixels{number(10), {number(18), number(22)}};
-    const bool isInOrder = pixels.begin >= headerSize && !pixels.size.isEmpty();
+    const bool isInOrder = pixels.begin >= bitmapHeaderSize && !pixels.size.isEmpty();
     return hasPlainColours && isInOrder ? std::optional(pixels) : std::nullopt;
 }
 
@@ -115,7 +115,7 @@ std::optional<QString> ComposedPictures::saveWithin(
     if (!before.open(QIODevice::ReadOnly)) {
         return {};
     }
-    const std::optional<Pixels> pixels = pixelsOf(before.read(headerSize));
+    const std::optional<Pixels> pixels = pixelsOf(before.read(bitmapHeaderSize));
     if (!pixels || !pixels->areIn(before.size())
         || !QRect({}, pixels->size).contains({place, image.size()})) {
         return {};
