@@ -4,6 +4,7 @@ Pictures are of one colour, so one pixel tells what a screen shows; it is taken 
 where neither the program's window nor a panel is.
 """
 
+import math
 import shlex
 import subprocess
 
@@ -13,8 +14,11 @@ SCREEN = (1280, 800)
 RED, GREEN = (255, 0, 0), (0, 128, 0)
 # Pictures made for several screens are scaled, and desktops keep some of them as JPEG.
 TOLERANCE = 12
-# Between two looks; a fade that is under way has moved on by then.
+# Between two looks, in seconds; a fade that is under way has moved on by then.
 STILL = 0.4
+# As many pixels may differ between two looks. A text's caret has 14 of them, and would be on in one
+# look and off in the next for good, where looking takes as long as its blinking.
+CARET = 60
 
 
 def is_near(colour, other):
@@ -44,18 +48,22 @@ class Screens:
 
     def settle(self):
         """Waits for the desktop's own pictures to be there, and for what fades in to have done so."""
-        last = None
+        self.file.unlink(missing_ok=True)
 
         def is_still():
-            nonlocal last
-            before, last = last, self.fingerprint()
-            return last == before
+            before = None
+            if self.file.exists():
+                before = self.file.replace(self.file.with_name("before.png"))
+            self.take()
+            return before and self.difference(before) <= CARET
         wait_until(is_still, "the screens to stand still", interval=STILL)
 
-    def fingerprint(self):
-        self.take()
-        return subprocess.run(["identify", "-format", "%#", self.file], check=True,
-                              capture_output=True).stdout
+    def difference(self, other):
+        """In how many pixels the last look differs from another one."""
+        answer = subprocess.run(["compare", "-metric", "AE", other, self.file, "null:"],
+                                stderr=subprocess.PIPE, text=True, check=False)
+        # Status 2 says that they cannot be compared; a screen's size may have changed.
+        return float(answer.stderr) if answer.returncode < 2 else math.inf
 
     def show(self, wanted):
         return all(is_near(*pair) for pair in zip(self.colours(), wanted))
