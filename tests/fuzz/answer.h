@@ -8,8 +8,8 @@
 
 namespace fuzzing {
 
-/// Whether Qt's parser takes it for a JSON object. A number that is too near zero for a double is none
-/// to it, while JSON knows no bound, so it may also be one without its negative exponents.
+/// Whether Qt's parser takes it for a JSON object. A number that is too near zero for a double is
+/// none to it, while JSON knows no bound, so it may also be one without its negative exponents.
 inline bool isObject(const QByteArray &text)
 {
     if (QJsonDocument::fromJson(text).isObject()) {

@@ -26,13 +26,18 @@ std::optional<Keys> expectedKeys(const QByteArray &contents)
             != simdjson::SUCCESS) {
         return {};
     }
-    Keys keys;
+    // Where a name stands twice, the last one counts.
+    std::map<std::string, simdjson::dom::element> members;
     for (const auto member : object) {
+        members[std::string(member.key)] = member.value;
+    }
+    Keys keys;
+    for (const auto &[name, value] : members) {
         std::string_view key;
-        if (member.value.get(key) != simdjson::SUCCESS) {
+        if (value.get(key) != simdjson::SUCCESS) {
             return Keys();
         }
-        keys[std::string(member.key)] = key;
+        keys[name] = key;
     }
     return keys;
 }
