@@ -23,6 +23,8 @@ constexpr std::array pictureProperties{"_XROOTPMAP_ID", "ESETROOT_PMAP_ID"};
 // Half of what a server must take in one request, and more than its longest possible row.
 constexpr int stripeBytes = 128 * 1024;
 
+const QString notKept = u"The X server did not keep the picture"_s;
+
 QRect rootRect(const X11Display &display)
 {
     return {0, 0, display.screen().width_in_pixels, display.screen().height_in_pixels};
@@ -99,7 +101,7 @@ public:
     /// What all screens show now; black where nobody ever set anything.
     [[nodiscard]] bool fillWithPresentPicture() const
     {
-        const auto present = pictureNamedBy(m_display, pictureProperties.front());
+        const auto present = presentPicture(pictureProperties.front());
         const xcb_gcontext_t brush = xcb_generate_id(connection());
         if (present) {
             const std::array<uint32_t, 2> values{XCB_FILL_STYLE_TILED, *present};
@@ -127,28 +129,39 @@ public:
     }
 
     /// Puts the picture in the place of the present one, for good.
-    void keep() const
+    [[nodiscard]] bool keep() const
     {
         // Nobody else may come between looking for the old picture and removing it.
         xcb_grab_server(connection());
-        const auto first = pictureNamedBy(m_display, pictureProperties.front());
-        const auto second = pictureNamedBy(m_display, pictureProperties.back());
+        const auto first = presentPicture(pictureProperties.front());
+        const auto second = presentPicture(pictureProperties.back());
+        // First of all: were the connection to end in between, what is named would be gone.
+        xcb_set_close_down_mode(connection(), XCB_CLOSE_DOWN_RETAIN_PERMANENT);
         for (const char *property : pictureProperties) {
             xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, m_display.root(),
                 m_display.atom(property), XCB_ATOM_PIXMAP, 32, 1, &m_pixmap);
         }
-        xcb_change_window_attributes(connection(), m_display.root(), XCB_CW_BACK_PIXMAP, &m_pixmap);
-        xcb_clear_area(connection(), 0, m_display.root(), 0, 0, 0, 0);
-        xcb_set_close_down_mode(connection(), XCB_CLOSE_DOWN_RETAIN_PERMANENT);
+        const auto background = xcb_change_window_attributes_checked(
+            connection(), m_display.root(), XCB_CW_BACK_PIXMAP, &m_pixmap);
+        const auto shown = xcb_clear_area_checked(connection(), 0, m_display.root(), 0, 0, 0, 0);
         if (first && first == second) {
             xcb_kill_client(connection(), *first);
         }
-        // When this is answered, all of it is done.
-        succeeds(xcb_ungrab_server_checked(connection()));
+        // When the last one is answered, all of it is done.
+        const auto end = xcb_ungrab_server_checked(connection());
+        return succeeds(background) && succeeds(shown) && succeeds(end);
     }
 
 private:
     xcb_connection_t *connection() const { return m_display.connection(); }
+
+    /// Servers give the numbers of clients that are gone to new ones, and what is named may be the
+    /// new picture itself.
+    std::optional<xcb_pixmap_t> presentPicture(const char *property) const
+    {
+        const auto named = pictureNamedBy(m_display, property);
+        return named == m_pixmap ? std::nullopt : named;
+    }
 
     bool succeeds(xcb_void_cookie_t request) const
     {
@@ -185,7 +198,7 @@ SetResult readBack(xcb_pixmap_t pixmap, const QImage &image, QPoint topLeft)
     const auto display = X11Display::open();
     if (!display || pictureNamedBy(*display, pictureProperties.front()) != pixmap
         || !shows(*display, pixmap, image, topLeft)) {
-        return tl::make_unexpected(u"The X server did not keep the picture"_s);
+        return tl::make_unexpected(notKept);
     }
     return {};
 }
@@ -212,8 +225,11 @@ SetResult paint(const QImage &image, const QRect &screen)
     if (!root.create() || !root.fillWithPresentPicture() || !root.draw(picture, area.topLeft())) {
         return tl::make_unexpected(u"The X server refused the picture"_s);
     }
-    root.keep();
+    const bool isKept = root.keep();
     display.reset();
+    if (!isKept) {
+        return tl::make_unexpected(notKept);
+    }
     return readBack(root.pixmap(), picture, area.topLeft());
 }
 

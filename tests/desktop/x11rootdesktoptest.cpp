@@ -4,6 +4,7 @@
 #include "desktop/x11display.h"
 #include "errorof.h"
 #include "onscreen.h"
+#include "spoiltserver.h"
 #include "testlibs/orientedjpeg.h"
 
 #include <QCoroTask>
@@ -251,6 +252,22 @@ private Q_SLOTS:
         QVERIFY(exists(*other, window));
     }
 
+    void aNameThatBecameTheNewPicturesIsNotBelieved()
+    {
+        {
+            const auto gone = X11Display::open();
+            const xcb_pixmap_t pixmap = xcb_generate_id(gone->connection());
+            xcb_create_pixmap(
+                gone->connection(), gone->screen().root_depth, pixmap, gone->root(), 10, 10);
+            nameRootPicture(*gone, "_XROOTPMAP_ID", pixmap);
+            nameRootPicture(*gone, "ESETROOT_PMAP_ID", pixmap);
+            QVERIFY(answers(*gone));
+        }
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red), leftScreen)), u"no error"_s);
+        QCOMPARE(seenAt(400, 300), QColor(Qt::red));
+        QCOMPARE(seenAt(1200, 300), QColor(Qt::black));
+    }
+
     void whereAWindowIsTheDesktopItIsNotSupported()
     {
         auto other = X11Display::open();
@@ -304,6 +321,46 @@ private Q_SLOTS:
         qputenv("DISPLAY", display);
         QVERIFY(!opened);
         QCOMPARE(errorOf(result), u"The X server cannot be reached"_s);
+    }
+
+    void aServerThatFailsIsSaidSo_data()
+    {
+        QTest::addColumn<SpoiltServer::Fault>("fault");
+        QTest::newRow("a request is refused") << SpoiltServer::Fault::Refused;
+        QTest::newRow("a connection ends") << SpoiltServer::Fault::ConnectionEnds;
+        QTest::newRow("the server ends") << SpoiltServer::Fault::ServerEnds;
+    }
+    void aServerThatFailsIsSaidSo()
+    {
+        QFETCH(SpoiltServer::Fault, fault);
+        const QStringList sayings{u"no error"_s, u"this desktop is not supported"_s,
+            u"The X server cannot be reached"_s, u"The X server refused the picture"_s,
+            u"The X server did not keep the picture"_s};
+        // A small screen, for which a few requests are enough.
+        const Screen corner{u"corner"_s, {0, 0, 80, 60}};
+        const QString grey = m_folder.picture(u"small.png"_s, Qt::gray, {4, 3});
+        const QString green = m_folder.picture(u"green.png"_s, Qt::green, {4, 3});
+        bool wasSpoilt = true;
+        for (int request = 1; wasSpoilt; ++request) {
+            QCOMPARE(errorOf(set(grey, corner)), u"no error"_s);
+            QString said;
+            {
+                SpoiltServer server(fault, request);
+                said = errorOf(set(green, corner));
+                wasSpoilt = server.hasSpoilt();
+            }
+            QVERIFY2(sayings.contains(said), qPrintable(said));
+            if (said == u"no error") {
+                QCOMPARE(seenAt(40, 30), QColor(Qt::green));
+            }
+            QCOMPARE(errorOf(set(green, corner)), u"no error"_s);
+            QCOMPARE(seenAt(40, 30), QColor(Qt::green));
+            // Who is refused an answer takes it that nobody ever painted anything.
+            if (fault != SpoiltServer::Fault::Refused) {
+                QCOMPARE(seenAt(1200, 300), QColor(Qt::gray));
+            }
+            QVERIFY2(wasSpoilt || request > 30, "What was tried were not all requests.");
+        }
     }
 
     void overlappingChangesBothCount()
