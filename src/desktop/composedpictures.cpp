@@ -73,6 +73,13 @@ bool copyFile(const QString &from, const QString &to)
     return std::filesystem::copy_file(path(from), path(to), failed);
 }
 
+// QFile's own way leaves a file there whose last bytes found no room.
+void removeUnfinished(QFile &file)
+{
+    file.close();
+    QFile::remove(file.fileName());
+}
+
 bool writeRows(QFile &file, const Pixels &pixels, const QImage &image, QPoint place)
 {
     const QImage bytes = image.convertToFormat(QImage::Format_BGR888);
@@ -104,7 +111,7 @@ tl::expected<QString, QString> ComposedPictures::save(const QImage &image) const
         return file.fileName();
     }
     const QString reason = file.errorString();
-    file.remove();
+    removeUnfinished(file);
     return tl::make_unexpected(u"The picture of all screens cannot be saved: "_s + reason);
 }
 
@@ -125,7 +132,7 @@ std::optional<QString> ComposedPictures::saveWithin(
         && writeRows(file, *pixels, image, place)) {
         return file.fileName();
     }
-    file.remove();
+    removeUnfinished(file);
     return {};
 }
 

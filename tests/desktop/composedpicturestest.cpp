@@ -6,6 +6,9 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <csignal>
+#include <sys/resource.h>
+
 using namespace Qt::StringLiterals;
 using desktop::Arrangement;
 using desktop::ComposedPictures;
@@ -28,6 +31,30 @@ QImage manyColours(QSize size, int blue)
     }
     return image;
 }
+
+/// As long as it lives, no file can grow beyond so many bytes, as on a disk without room.
+class SmallFiles
+{
+public:
+    explicit SmallFiles(rlim_t bytes)
+    {
+        ::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        set({bytes, m_before.rlim_max});
+    }
+    ~SmallFiles() { set(m_before); }
+    Q_DISABLE_COPY_MOVE(SmallFiles)
+
+private:
+    static void set(const rlimit &limit)
+    {
+        if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) {
+            qFatal("The size of files cannot be limited.");
+        }
+    }
+
+    rlimit m_before{};
+};
 
 } // namespace
 
@@ -96,18 +123,59 @@ private Q_SLOTS:
         QVERIFY(!saved({0, 0}, file));
         QVERIFY(QFile::resize(file, 30));
         QVERIFY(!saved({0, 0}, file));
-        // One that says to be as large as can be.
-        QVERIFY(red.save(file, "BMP"));
-        QFile forged(file);
-        QVERIFY(forged.open(QIODevice::ReadWrite) && forged.seek(18));
-        QVERIFY(forged.write(QByteArray::fromHex("ffffff7fffffff7f")) == 8);
-        forged.close();
-        QVERIFY(!saved({0, 0}, file));
         QVERIFY(red.convertToFormat(QImage::Format_Indexed8).save(file, "BMP"));
         QVERIFY(!saved({0, 0}, file));
         QVERIFY(red.save(file, "PNG"));
         QVERIFY(!saved({0, 0}, file));
         QCOMPARE(pictures.files(), QStringList(file));
+    }
+
+    void anImageIsNotPutWithinAForgedOne_data()
+    {
+        QTest::addColumn<int>("offset");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("as large as can be") << 18 << QByteArray::fromHex("ffffff7fffffff7f");
+        QTest::newRow("without pixels") << 18 << QByteArray::fromHex("00000000");
+        QTest::newRow("from the top down") << 22 << QByteArray::fromHex("faffffff");
+        QTest::newRow("pixels in the header") << 10 << QByteArray::fromHex("35000000");
+        QTest::newRow("pixels behind the end") << 10 << QByteArray::fromHex("ffffff7f");
+        QTest::newRow("compressed") << 30 << QByteArray::fromHex("01000000");
+    }
+    void anImageIsNotPutWithinAForgedOne()
+    {
+        QFETCH(int, offset);
+        QFETCH(QByteArray, bytes);
+        const ComposedPictures pictures(u"gnome"_s);
+        const QImage red = oneColour({8, 6}, Qt::red);
+        const QString name = pictures.save(red).value();
+        QVERIFY(pictures.saveWithin(name, red, {0, 0}));
+        QFile file(name);
+        QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(offset));
+        QCOMPARE(file.write(bytes), bytes.size());
+        file.close();
+        QVERIFY(!pictures.saveWithin(name, red, {0, 0}));
+        QCOMPARE(pictures.files().size(), 2);
+    }
+
+    void aDiskWithoutRoomIsSaidSo_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("when it is written") << QSize(800, 600);
+        QTest::newRow("when it is flushed") << QSize(8, 6);
+    }
+    void aDiskWithoutRoomIsSaidSo()
+    {
+        QFETCH(QSize, size);
+        const ComposedPictures pictures(u"gnome"_s);
+        const QImage red = oneColour(size, Qt::red);
+        const QString before = pictures.save(red).value();
+        const SmallFiles limit(100);
+        const auto saved = pictures.save(red);
+        QVERIFY(!saved);
+        QVERIFY2(saved.error().startsWith(u"The picture of all screens cannot be saved: "_s),
+            qPrintable(saved.error()));
+        QVERIFY(!pictures.saveWithin(before, red, {0, 0}));
+        QCOMPARE(pictures.files(), QStringList(before));
     }
 
     void desktopsDoNotShareThem()
@@ -140,7 +208,10 @@ private Q_SLOTS:
         QVERIFY(QDir().mkpath(QFileInfo(folder()).path()));
         QFile inTheWay(folder());
         QVERIFY(inTheWay.open(QIODevice::WriteOnly));
-        const auto saved = ComposedPictures(u"gnome"_s).save(oneColour({8, 6}, Qt::red));
+        const ComposedPictures pictures(u"gnome"_s);
+        const auto saved = pictures.save(oneColour({8, 6}, Qt::red));
+        pictures.remember({u"/a.png"_s, true, {}, {}});
+        QCOMPARE(pictures.remembered(u"/a.png"_s), Arrangement());
         QVERIFY(inTheWay.remove());
         QVERIFY(!saved);
         QVERIFY2(saved.error().startsWith(u"The picture of all screens cannot be saved: "_s),

@@ -4,6 +4,7 @@
 #include "errorof.h"
 #include "fakesettings.h"
 #include "onscreen.h"
+#include "placements.h"
 #include "testlibs/orientedjpeg.h"
 #include "twoscreens.h"
 
@@ -173,15 +174,25 @@ private Q_SLOTS:
         QTEST(shown().pixelColor(80, 30), "colour");
     }
 
+    void theOtherScreensPictureIsPlacedAsBefore_data()
+    {
+        addPlacements(
+            {"none", "wallpaper", "centered", "scaled", "stretched", "zoom"}, QColor(Qt::blue));
+    }
     void theOtherScreensPictureIsPlacedAsBefore()
     {
-        writeSetting("picture-uri"_ba, m_folder.picture(u"green.png"_s, Qt::green));
-        writeSetting("picture-options"_ba, u"scaled"_s);
+        QFETCH(QString, placement);
+        writeSetting("picture-uri"_ba, placedPicture(m_folder));
+        writeSetting("picture-options"_ba, placement);
         QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
-        // 160 x 90 on 100 x 60 leaves a stripe above and below.
-        QCOMPARE(shown().pixelColor(130, 0), QColor(Qt::blue));
-        QCOMPARE(shown().pixelColor(130, 30), QColor(Qt::green));
-        QCOMPARE(shown().pixelColor(130, 59), QColor(Qt::blue));
+        QTEST(seenOfPlaced(shown().copy(80, 0, 100, 60)), "seen");
+    }
+
+    void aColourThatIsNoneIsBlack()
+    {
+        writeSetting("primary-color"_ba, u"a colour of the year"_s);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QCOMPARE(shown().pixelColor(130, 30), QColor(Qt::black));
     }
 
     void theFirstPictureOfASlideShowCounts()

@@ -5,6 +5,7 @@
 #include "errorof.h"
 #include "fakelxqt.h"
 #include "onscreen.h"
+#include "placements.h"
 #include "twoscreens.h"
 
 #include <QCoroTask>
@@ -137,6 +138,35 @@ private Q_SLOTS:
         QTEST(fake.told.value(0).section(u':', 0, 0), "mode");
     }
 
+    void theOtherScreensPictureIsPlacedAsBefore_data()
+    {
+        addPlacements({"none", "tile", "center", "fit", "stretch", "zoom"}, Qt::blue);
+    }
+    void theOtherScreensPictureIsPlacedAsBefore()
+    {
+        QFETCH(QString, placement);
+        FakeLxqt fake(FakeLxqt::Obliging);
+        FakeLxqt::writeSetting(u"PerScreenWallpaper"_s, true);
+        FakeLxqt::writeSetting(u"BgColor"_s, u"#0000ff"_s);
+        FakeLxqt::writeSetting(u"Wallpaper"_s, placedPicture(m_folder));
+        FakeLxqt::writeSetting(u"WallpaperMode"_s, placement);
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
+        QTEST(seenOfPlaced(shown().copy(80, 0, 100, 60)), "seen");
+    }
+
+    void noRoomForAComposedPictureIsAnError()
+    {
+        FakeLxqt fake(FakeLxqt::Obliging);
+        QVERIFY(QDir().mkpath(QFileInfo(composedFolder().path()).path()));
+        QFile inTheWay(composedFolder().path());
+        QVERIFY(inTheWay.open(QIODevice::WriteOnly));
+        const QString error = errorOf(set(m_folder.picture(u"red.png"_s, Qt::red)));
+        QVERIFY(inTheWay.remove());
+        QVERIFY2(
+            error.startsWith(u"The picture of all screens cannot be saved: "_s), qPrintable(error));
+        QCOMPARE(fake.told, QStringList());
+    }
+
     void whatAllScreensShowAlikeIsSetAsItIs()
     {
         FakeLxqt fake(FakeLxqt::Obliging);
@@ -213,6 +243,34 @@ private Q_SLOTS:
         FakeLxqt::writeSetting(u"Wallpaper"_s, u"/usr/share/other.png"_s);
         QCOMPARE(errorOf(followScreens()), u"no error"_s);
         QCOMPARE(fake.told.size(), 1);
+    }
+
+    void theProfileThatWasChangedLastCounts()
+    {
+        FakeLxqt fake(FakeLxqt::Obliging);
+        QDir folder(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+            + u"/pcmanfm-qt"_s);
+        const auto put = [&](const QString &profile, QColor colour, int secondsLater) {
+            const QString name = folder.filePath(profile + u"/settings.conf"_s);
+            folder.mkpath(profile);
+            QSettings(name, QSettings::IniFormat).setValue(u"Desktop/BgColor"_s, colour.name());
+            QFile file(name);
+            return file.open(QIODevice::ReadWrite)
+                && file.setFileTime(QDateTime::currentDateTime().addSecs(secondsLater),
+                    QFileDevice::FileModificationTime);
+        };
+        QVERIFY(folder.mkpath(u"empty"_s));
+        QVERIFY(put(u"a"_s, Qt::green, 20));
+        QVERIFY(put(u"b"_s, Qt::yellow, 30));
+        QVERIFY(put(u"c"_s, Qt::green, 10));
+        // The fake has another profile, so that what is read back differs.
+        QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))),
+            u"The desktop did not keep the picture"_s);
+        for (const QString &profile : {u"empty"_s, u"a"_s, u"b"_s, u"c"_s}) {
+            QVERIFY(QDir(folder.filePath(profile)).removeRecursively());
+        }
+        QCOMPARE(
+            QImage(fake.told.value(0).section(u':', 1)).pixelColor(130, 30), QColor(Qt::yellow));
     }
 
     void aFileManagerThatIsNoDesktopDoesNotPaint()
