@@ -80,6 +80,48 @@ void makeDesktop(const X11Display &display, xcb_window_t window)
         display.atom("_NET_WM_WINDOW_TYPE"_ba), XCB_ATOM_ATOM, 32, 1, &type);
 }
 
+/// The numbers of a server whose three screens are kept in different ways.
+class ThreeScreens
+{
+public:
+    ThreeScreens()
+    {
+        m_server.start(u"Xvfb"_s,
+            {u"-displayfd"_s, u"1"_s, u"-noreset"_s, u"-nolisten"_s, u"tcp"_s, u"-screen"_s, u"0"_s,
+                u"80x60x24"_s, u"-screen"_s, u"1"_s, u"80x60x16"_s, u"-screen"_s, u"2"_s,
+                u"80x60x8"_s});
+        if (!m_server.waitForReadyRead()) {
+            qFatal("The X server does not start.");
+        }
+        m_number = ':' + m_server.readLine().trimmed();
+    }
+    ~ThreeScreens()
+    {
+        qputenv("DISPLAY", m_before);
+        m_server.kill();
+        m_server.waitForFinished();
+    }
+    Q_DISABLE_COPY_MOVE(ThreeScreens)
+
+    void use(int screen) const { qputenv("DISPLAY", m_number + '.' + QByteArray::number(screen)); }
+
+private:
+    const QByteArray m_before = qgetenv("DISPLAY");
+    QProcess m_server;
+    QByteArray m_number;
+};
+
+/// The bytes of one pixel of the root window, as the server keeps it.
+QByteArray rootPixel(const X11Display &display, int x, int y)
+{
+    const desktop::XcbReply<xcb_get_image_reply_t> image(xcb_get_image_reply(display.connection(),
+        xcb_get_image(display.connection(), XCB_IMAGE_FORMAT_Z_PIXMAP, display.root(), x, y, 1, 1,
+            UINT32_MAX),
+        nullptr));
+    return image ? QByteArray(reinterpret_cast<const char *>(xcb_get_image_data(image.get())), 2)
+                 : QByteArray();
+}
+
 } // namespace
 
 /// On a server without a window manager, with two monitors side by side.
@@ -299,6 +341,83 @@ private Q_SLOTS:
         xcb_delete_property(
             manager->connection(), manager->root(), manager->atom("_NET_CLIENT_LIST"_ba));
         QVERIFY(answers(*manager));
+    }
+
+    void beneathACompositorThatHidesTheRootItIsNotSupported_data()
+    {
+        QTest::addColumn<bool>("composites");
+        QTest::addColumn<QByteArray>("manager");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("KWin") << true << "KWin"_ba << u"this desktop is not supported"_s;
+        QTest::newRow("KWin without effects") << false << "KWin"_ba << u"no error"_s;
+        QTest::newRow("another one") << true << "Openbox"_ba << u"no error"_s;
+        QTest::newRow("one without a name") << true << QByteArray() << u"no error"_s;
+    }
+    void beneathACompositorThatHidesTheRootItIsNotSupported()
+    {
+        QFETCH(bool, composites);
+        QFETCH(QByteArray, manager);
+        const auto other = X11Display::open();
+        xcb_connection_t *connection = other->connection();
+        const xcb_window_t window = makeWindow(*other);
+        const xcb_atom_t check = other->atom("_NET_SUPPORTING_WM_CHECK"_ba);
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, other->root(), check,
+            XCB_ATOM_WINDOW, 32, 1, &window);
+        if (!manager.isEmpty()) {
+            xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window,
+                other->atom("_NET_WM_NAME"_ba), other->atom("UTF8_STRING"_ba), 8,
+                uint32_t(manager.size()), manager.constData());
+        }
+        if (composites) {
+            xcb_set_selection_owner(
+                connection, window, other->atom("_NET_WM_CM_S0"_ba), XCB_CURRENT_TIME);
+        }
+        QVERIFY(answers(*other));
+        const SetResult result = set(m_folder.picture(u"red.png"_s, Qt::red), leftScreen);
+        xcb_delete_property(connection, other->root(), check);
+        QVERIFY(answers(*other));
+        QTEST(errorOf(result), "error");
+    }
+
+    void screensAreKeptInDifferentWays_data()
+    {
+        QTest::addColumn<int>("screen");
+        QTest::addColumn<QString>("error");
+        QTest::addColumn<QByteArray>("pixel");
+        QTest::newRow("24 bits") << 0 << u"no error"_s << QByteArray::fromHex("10ff");
+        QTest::newRow("16 bits") << 1 << u"no error"_s << QByteArray::fromHex("e207");
+        QTest::newRow("8 bits, which are numbers of colours")
+            << 2 << u"The screen's colour depth is not supported"_s << QByteArray();
+    }
+    void screensAreKeptInDifferentWays()
+    {
+        QFETCH(int, screen);
+        QFETCH(QByteArray, pixel);
+        const ThreeScreens server;
+        server.use(screen);
+        desktop::X11RootDesktop backend;
+        const Picture picture{{}, {}, oneColour({1, 1}, QColor(0, 255, 16))};
+        const SetResult result
+            = QCoro::waitFor(backend.setPicture(picture, Screen{u"left"_s, {0, 0, 40, 60}}));
+        QTEST(errorOf(result), "error");
+        if (result) {
+            const auto display = X11Display::open();
+            QCOMPARE(rootPixel(*display, 39, 59), pixel);
+            QCOMPARE(rootPixel(*display, 40, 59), QByteArray(2, '\0'));
+        }
+    }
+
+    void theMainScreenIsKnownWhateverTheServerRefuses()
+    {
+        bool wasSpoilt = true;
+        for (int request = 1; wasSpoilt; ++request) {
+            SpoiltServer server(SpoiltServer::Fault::Refused, request);
+            const auto screen = SystemDesktopPicture().mainScreen();
+            wasSpoilt = server.hasSpoilt();
+            QVERIFY(screen);
+            QCOMPARE(screen->geometry, leftScreen.geometry);
+            QVERIFY2(wasSpoilt || request > 3, "What was tried were not all requests.");
+        }
     }
 
     void aScreenThatIsNoLongerThereIsAnError()
