@@ -85,6 +85,6 @@ void FakeMutter::GetCurrentState()
         {0, m_primary == "left"_L1, {{u"left"_s}}}, {80, m_primary == "right"_L1, {{u"right"_s}}}};
     setDelayedReply(true);
     // What the monitors themselves can do is left out.
-    connection().send(message().createReply(
-        {uint(1), QStringList(), QVariant::fromValue(monitors), QVariantMap()}));
+    connection().send(
+        message().createReply({uint(1), QStringList(), QVariant::fromValue(monitors), properties}));
 }

@@ -3,6 +3,7 @@
 #include <QDBusContext>
 #include <QObject>
 #include <QString>
+#include <QVariantMap>
 
 /// Stands on the session bus where GNOME tells of its monitors. There are two, "left" and "right".
 class FakeMutter : public QObject, protected QDBusContext
@@ -13,6 +14,9 @@ class FakeMutter : public QObject, protected QDBusContext
 public:
     explicit FakeMutter(const QString &primary);
     ~FakeMutter() override;
+
+    /// What it tells besides, such as how it lays out the monitors.
+    QVariantMap properties;
 
     void changePrimary(const QString &primary);
 

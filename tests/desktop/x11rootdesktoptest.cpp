@@ -1,5 +1,6 @@
 #include "desktop/x11rootdesktop.h"
 
+#include "desktop/screenlayout.h"
 #include "desktop/systemdesktoppicture.h"
 #include "desktop/x11display.h"
 #include "errorof.h"
@@ -437,8 +438,14 @@ private Q_SLOTS:
         desktop::X11RootDesktop backend;
         const SetResult result = QCoro::waitFor(
             backend.setPicture(Picture{{}, {}, QImage(1, 1, QImage::Format_RGB32)}, leftScreen));
+        const auto layout = QCoro::waitFor(
+            desktop::screenLayout(QDBusConnection::sessionBus(), QDeadlineTimer(3000)));
+        const auto mainScreen = SystemDesktopPicture().mainScreen();
         qputenv("DISPLAY", display);
         QVERIFY(!opened);
+        QCOMPARE(layout, QList<Screen>());
+        // Qt still knows it.
+        QVERIFY(mainScreen && mainScreen->geometry == leftScreen.geometry);
         QCOMPARE(errorOf(result), u"The X server cannot be reached"_s);
     }
 
