@@ -1,13 +1,11 @@
 #include "desktop/composedpictures.h"
 
 #include "onscreen.h"
+#include "testlibs/smallfiles.h"
 
 #include <QPainter>
 #include <QStandardPaths>
 #include <QTest>
-
-#include <csignal>
-#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 using desktop::Arrangement;
@@ -31,30 +29,6 @@ QImage manyColours(QSize size, int blue)
     }
     return image;
 }
-
-/// As long as it lives, no file can grow beyond so many bytes, as on a disk without room.
-class SmallFiles
-{
-public:
-    explicit SmallFiles(rlim_t bytes)
-    {
-        ::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        set({bytes, m_before.rlim_max});
-    }
-    ~SmallFiles() { set(m_before); }
-    Q_DISABLE_COPY_MOVE(SmallFiles)
-
-private:
-    static void set(const rlimit &limit)
-    {
-        if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) {
-            qFatal("The size of files cannot be limited.");
-        }
-    }
-
-    rlimit m_before{};
-};
 
 } // namespace
 
@@ -169,7 +143,7 @@ private Q_SLOTS:
         const ComposedPictures pictures(u"gnome"_s);
         const QImage red = oneColour(size, Qt::red);
         const QString before = pictures.save(red).value();
-        const SmallFiles limit(100);
+        const testlibs::SmallFiles limit(100);
         const auto saved = pictures.save(red);
         QVERIFY(!saved);
         QVERIFY2(saved.error().startsWith(u"The picture of all screens cannot be saved: "_s),

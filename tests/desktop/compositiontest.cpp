@@ -101,6 +101,10 @@ private Q_SLOTS:
         QTest::addColumn<QRect>("place"); // Of the whole picture on a screen of 100 x 100.
 
         QTest::newRow("stretched") << Placement::Stretch << QSize(40, 20) << QRect(0, 0, 100, 100);
+        QTest::newRow("stretched, much flatter")
+            << Placement::Stretch << QSize(40, 400) << QRect(0, 0, 100, 100);
+        QTest::newRow("stretched, much narrower")
+            << Placement::Stretch << QSize(400, 40) << QRect(0, 0, 100, 100);
         QTest::newRow("fit, wide") << Placement::Fit << QSize(40, 20) << QRect(0, 25, 100, 50);
         QTest::newRow("fit, high") << Placement::Fit << QSize(20, 40) << QRect(25, 0, 50, 100);
         QTest::newRow("centered") << Placement::Center << QSize(40, 20) << QRect(30, 40, 40, 20);

@@ -195,18 +195,45 @@ private Q_SLOTS:
         QCOMPARE(shown().pixelColor(130, 30), QColor(Qt::black));
     }
 
+    void theFirstPictureOfASlideShowCounts_data()
+    {
+        QTest::addColumn<QByteArray>("slides");
+        QTest::addColumn<QColor>("colour");
+        const QColor none = Qt::blue;
+        QTest::newRow("in several sizes")
+            << "<background><starttime><year>2020</year></starttime><static><file>\n"
+               "<size width=\"9\" height=\"9\">GREEN</size></file></static></background>"_ba
+            << QColor(Qt::green);
+        QTest::newRow("one that turns into another")
+            << "<background><transition><from> GREEN </from><to>RED</to></transition>"
+               "</background>"_ba
+            << QColor(Qt::green);
+        QTest::newRow("without a picture")
+            << "<background><starttime><year>2020</year></starttime></background>"_ba << none;
+        QTest::newRow("cut short") << "<background><static><file>"_ba << none;
+        QTest::newRow("something else") << "<html><file>GREEN</file></html>"_ba << none;
+        QTest::newRow("empty") << QByteArray() << none;
+    }
     void theFirstPictureOfASlideShowCounts()
     {
-        QFile slides(m_folder.filePath(u"slides.xml"_s));
-        QVERIFY(slides.open(QIODevice::WriteOnly));
-        slides.write("<background><starttime><year>2020</year></starttime><static><file>\n"
-                     "<size width=\"9\" height=\"9\">"
-            + m_folder.picture(u"green.png"_s, Qt::green).toUtf8()
-            + "</size></file></static></background>");
-        slides.close();
-        writeSetting("picture-uri"_ba, QUrl::fromLocalFile(slides.fileName()).toString());
+        QFETCH(QByteArray, slides);
+        const QString red = m_folder.picture(u"red.png"_s, Qt::red);
+        slides.replace("GREEN", m_folder.picture(u"green.png"_s, Qt::green).toUtf8());
+        slides.replace("RED", red.toUtf8());
+        QFile file(m_folder.filePath(u"slides.xml"_s));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(slides), slides.size());
+        file.close();
+        writeSetting("picture-uri"_ba, QUrl::fromLocalFile(file.fileName()).toString());
+        QCOMPARE(errorOf(set(red)), u"no error"_s);
+        QTEST(shown().pixelColor(80, 30), "colour");
+    }
+
+    void aDeletedPictureOfTheOtherScreenLeavesItsColour()
+    {
+        writeSetting("picture-uri"_ba, m_folder.filePath(u"deleted.png"_s));
         QCOMPARE(errorOf(set(m_folder.picture(u"red.png"_s, Qt::red))), u"no error"_s);
-        QCOMPARE(shown().pixelColor(80, 30), QColor(Qt::green));
+        QCOMPARE(shown().pixelColor(80, 30), QColor(Qt::blue));
     }
 
     void eachDesktopHasItsOwnKeys()

@@ -237,9 +237,10 @@ private Q_SLOTS:
     void theEndOfAJpegIsFoundWhereverItLies()
     {
         constexpr qsizetype endOfImage = 2;
-        constexpr int moreThanIsReadAtOnce = 10'000;
+        constexpr int readAtOnce = 16'384;
         const QByteArray jpeg = orientedJpeg(firstOrientation, {40, 30});
-        for (int padding = 0; padding < moreThanIsReadAtOnce; ++padding) {
+        QVERIFY(jpeg.size() < 1500);
+        for (int padding = readAtOnce - 1500; padding < readAtOnce; ++padding) {
             QBuffer file;
             file.setData(
                 jpeg.chopped(endOfImage) + QByteArray(padding, '\0') + jpeg.last(endOfImage));
@@ -247,6 +248,29 @@ private Q_SLOTS:
             QVERIFY2(desktop::isWhole(file, "jpeg"_ba), qPrintable(QString::number(padding)));
             QCOMPARE(file.pos(), 0);
         }
+    }
+
+    void whatIsMarkedWithinAJpegIsNotItsEnd_data()
+    {
+        QTest::addColumn<QByteArray>("marked");
+        QTest::newRow("a stuffed zero") << QByteArray("\xff\0", 2);
+        QTest::newRow("the first mark to start afresh from") << "\xff\xd0"_ba;
+        QTest::newRow("the last one") << "\xff\xd7"_ba;
+        QTest::newRow("a segment with an end of its own")
+            << QByteArray("\xff\xe0\0\x06\xff\xd9\xff\xd9", 8);
+        QTest::newRow("fillers") << "\xff\xff\xff"_ba;
+    }
+    void whatIsMarkedWithinAJpegIsNotItsEnd()
+    {
+        QFETCH(QByteArray, marked);
+        constexpr qsizetype endOfImage = 2;
+        const QByteArray jpeg = orientedJpeg(firstOrientation, {40, 30});
+        const auto isWhole = [](QByteArray bytes) {
+            QBuffer file(&bytes);
+            return file.open(QIODevice::ReadOnly) && desktop::isWhole(file, "jpeg"_ba);
+        };
+        QVERIFY(!isWhole(jpeg.chopped(endOfImage) + marked));
+        QVERIFY(isWhole(jpeg.chopped(endOfImage) + marked + jpeg.last(endOfImage)));
     }
 
     void whatFollowsAJpegDoesNoHarm_data()

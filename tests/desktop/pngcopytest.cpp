@@ -1,14 +1,22 @@
 #include "desktop/pngcopy.h"
 
+#include "desktop/backgroundprocesses.h"
+#include "desktop/choosedesktop.h"
+#include "testlibs/smallfiles.h"
+
+#include <QCoroTask>
 #include <QDir>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+using desktop::DesktopKind;
 using desktop::fileEveryDesktopReads;
 using desktop::Picture;
 using desktop::readPicture;
+using desktop::Screen;
+using desktop::SetResult;
 
 namespace {
 
@@ -93,6 +101,38 @@ private Q_SLOTS:
         QVERIFY(inTheWay.remove());
         QVERIFY(!copy);
         QCOMPARE(copy.error(), u"The picture could not be converted to PNG for this desktop"_s);
+    }
+
+    void whoNeedsACopyTellsThatThereIsNone_data()
+    {
+        QTest::addColumn<DesktopKind>("kind");
+        QTest::newRow("Plasma") << DesktopKind::Plasma;
+        QTest::newRow("the portal") << DesktopKind::Portal;
+        QTest::newRow("sway") << DesktopKind::Sway;
+        QTest::newRow("swaybg") << DesktopKind::Swaybg;
+        QTest::newRow("Xfce") << DesktopKind::Xfce;
+    }
+    void whoNeedsACopyTellsThatThereIsNone()
+    {
+        QFETCH(DesktopKind, kind);
+        const Picture withoutPixels{u"/a.webp"_s, "webp"_ba, {}};
+        const auto backend = desktop::makeBackend(
+            kind, {}, QDBusConnection(u"none"_s), std::make_shared<desktop::BackgroundProcesses>());
+        const SetResult result
+            = QCoro::waitFor(backend->setPicture(withoutPixels, Screen{u"left"_s, {0, 0, 80, 60}}));
+        QVERIFY(!result);
+        QCOMPARE(result.error(), u"The picture could not be converted to PNG for this desktop"_s);
+    }
+
+    void aDiskWithoutRoomIsAnErrorAndLeavesNoHalfCopy()
+    {
+        const Picture webp = picture(u"a.webp"_s, "webp", Qt::red);
+        QVERIFY(copies().mkpath(u"."_s));
+        const testlibs::SmallFiles limit(20);
+        const auto copy = fileEveryDesktopReads(webp);
+        QVERIFY(!copy);
+        QCOMPARE(copy.error(), u"The picture could not be converted to PNG for this desktop"_s);
+        QCOMPARE(copies().entryList(QDir::Files), QStringList());
     }
 };
 
