@@ -9,22 +9,6 @@ namespace ui {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-QList<QUrl> withoutRepeats(const QList<QUrl> &urls)
-{
-    QList<QUrl> result;
-    QSet<QUrl> seen;
-    result.reserve(urls.size());
-    for (const QUrl &url : urls) {
-        if (!seen.contains(url)) {
-            seen.insert(url);
-            result << url;
-        }
-    }
-    return result;
-}
-} // namespace
-
 GalleryModel::GalleryModel(QObject *parent) : QAbstractListModel(parent) { }
 
 void GalleryModel::setManager(core::WallpaperManager *manager)
@@ -77,7 +61,7 @@ QString GalleryModel::timestamp(const QUrl &url)
 void GalleryModel::readHistory()
 {
     const auto before = count();
-    const QList<QUrl> wanted = withoutRepeats(m_manager->history());
+    const QList<QUrl> wanted = m_manager->history();
     removeRowsNotIn(wanted);
     insertMissingRows(wanted);
     if (count() != before) {
