@@ -57,7 +57,7 @@ void Picture::setFit(bool fit)
 void Picture::recheck()
 {
     // A picture that was never decoded is looked at when it is.
-    if (!m_decodeIsDue && !m_source.isEmpty() && stampOf(m_source) != m_stamp) {
+    if (!m_decodeIsDue && stampOf(m_source) != m_stamp) {
         restart();
     }
 }
@@ -157,7 +157,7 @@ QRectF Picture::place() const
 
 QSGNode *Picture::updatePaintNode(QSGNode *node, UpdatePaintNodeData *)
 {
-    if (m_image.isNull() || size().isEmpty()) {
+    if (m_image.isNull()) {
         delete node;
         return nullptr;
     }
