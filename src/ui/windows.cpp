@@ -86,12 +86,12 @@ void Windows::closeAll()
 
 bool Windows::isMainWindowShown() const
 {
-    return m_mainWindow && m_mainWindow->isVisible();
+    return !m_mainWindow.isNull(); // One that is hidden is forgotten at once.
 }
 
 bool Windows::isSettingsShown() const
 {
-    return m_settingsWindow && m_settingsWindow->isVisible();
+    return !m_settingsWindow.isNull();
 }
 
 void Windows::setTrayAvailable(bool available)
@@ -135,9 +135,6 @@ QQmlEngine &Windows::engine()
 QQuickWindow *Windows::create(const QUrl &url, const QVariantMap &properties)
 {
     QQmlComponent component(&engine(), url);
-    if (component.isError()) {
-        qFatal("%s", qPrintable(component.errorString()));
-    }
     auto *window = qobject_cast<QQuickWindow *>(component.createWithInitialProperties(properties));
     if (!window) {
         qFatal("%s", qPrintable(component.errorString()));

@@ -79,6 +79,7 @@ void WindowsTest::closedWindowsTakeTheEngineAlong()
     QCOMPARE(qmlEngine(settings), engine.data());
     window->close();
     QTRY_VERIFY(!window);
+    QCoreApplication::processEvents(); // When it is gone is when the engine is thought about.
     QVERIFY(engine);
     settings->close();
     QTRY_VERIFY(!settings);
