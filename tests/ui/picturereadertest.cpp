@@ -32,6 +32,9 @@ private Q_SLOTS:
     void aPictureIsTurnedTheRightWayUp_data();
     void aPictureIsTurnedTheRightWayUp();
     void aPipeIsNotWaitedFor();
+    void whatIsTransparentStaysSo_data();
+    void whatIsTransparentStaysSo();
+    void aFileThatCannotBeOpenedIsNotShown();
 
 private:
     QImage read(const QString &name, ui::Framing framing = ui::Framing::Fit) const
@@ -206,6 +209,39 @@ void PictureReaderTest::aPipeIsNotWaitedFor()
 {
     QCOMPARE(mkfifo(QFile::encodeName(m_folder.filePath(u"pipe.png"_s)).constData(), 0600), 0);
     QVERIFY(read(u"pipe.png"_s).isNull());
+}
+
+void PictureReaderTest::whatIsTransparentStaysSo_data()
+{
+    QTest::addColumn<QImage::Format>("pixels");
+    QTest::addColumn<int>("alpha");
+    QTest::newRow("a transparent picture") << QImage::Format_ARGB32 << 0;
+    QTest::newRow("an opaque one") << QImage::Format_RGB32 << 255;
+}
+
+void PictureReaderTest::whatIsTransparentStaysSo()
+{
+    QFETCH(const QImage::Format, pixels);
+    QImage image({32, 20}, pixels);
+    image.fill(Qt::transparent);
+    QVERIFY(image.save(m_folder.filePath(u"a.png"_s)));
+    QTEST(qAlpha(read(u"a.png"_s).pixel(16, 10)), "alpha");
+}
+
+// Rights would not keep out the superuser, as whom tests may run.
+void PictureReaderTest::aFileThatCannotBeOpenedIsNotShown()
+{
+    put(u"a.png"_s, encoded({32, 20}, "png"));
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    rlimit files{};
+    QCOMPARE(getrlimit(RLIMIT_NOFILE, &files), 0);
+    rlimit none = files;
+    none.rlim_cur = 0;
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const QImage image = read(u"a.png"_s);
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &files), 0);
+    QVERIFY(image.isNull());
+    QCOMPARE(read(u"a.png"_s).size(), QSize(32, 20));
 }
 
 QTEST_GUILESS_MAIN(PictureReaderTest)
