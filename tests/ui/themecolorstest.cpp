@@ -116,6 +116,8 @@ private Q_SLOTS:
     void shapesStandOut_data() { addPalettes(); }
     void shapesStandOut();
     void schemeIsThatOfThePalette();
+    void whereNoColorIsLegibleOnAllSurfacesTextIsBlackOrWhite_data();
+    void whereNoColorIsLegibleOnAllSurfacesTextIsBlackOrWhite();
 };
 
 void ThemeColorsTest::contrastIsThatOfTheGuidelines()
@@ -143,6 +145,27 @@ void ThemeColorsTest::schemeIsThatOfThePalette()
     QVERIFY(ThemeColors::from(palette("#202020", "#f0f0f0", "#101010", "#303030", "#ffd500")).dark);
     QVERIFY(
         !ThemeColors::from(palette("#ffffff", "#000000", "#ffffff", "#ffffff", "#37006e")).dark);
+}
+
+void ThemeColorsTest::whereNoColorIsLegibleOnAllSurfacesTextIsBlackOrWhite_data()
+{
+    QTest::addColumn<QPalette>("palette");
+    QTest::addColumn<QColor>("expected");
+    QTest::newRow("black fields in a white window")
+        << palette("#ffffff", "#101010", "#000000", "#808080", "#37006e") << QColor(Qt::black);
+    QTest::newRow("white fields in a black window")
+        << palette("#000000", "#f0f0f0", "#ffffff", "#808080", "#37006e") << QColor(Qt::white);
+}
+
+void ThemeColorsTest::whereNoColorIsLegibleOnAllSurfacesTextIsBlackOrWhite()
+{
+    QFETCH(const QPalette, palette);
+    QFETCH(const QColor, expected);
+    const ThemeColors colors = ThemeColors::from(palette);
+    for (const QColor &text :
+        {colors.secondary, colors.tertiary, colors.orange, colors.red, colors.green}) {
+        QCOMPARE(text, expected);
+    }
 }
 
 QTEST_MAIN(ThemeColorsTest)
