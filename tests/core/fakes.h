@@ -6,6 +6,7 @@
 #include <QCoroTask>
 #include <QList>
 
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -81,12 +82,14 @@ public:
     QCoro::Task<desktop::SetResult> setPicture(QString file, desktop::Screen onScreen) override
     {
         pictures.append({file, onScreen.name});
+        meanwhile();
         co_return answer;
     }
 
     std::optional<desktop::Screen> screen
         = desktop::Screen{QStringLiteral("one"), {0, 0, 800, 600}};
     desktop::SetResult answer;
+    std::function<void()> meanwhile = [] {}; ///< What happens while it takes a picture.
     QList<std::pair<QString, QString>> pictures; ///< File and screen name, in order.
 };
 

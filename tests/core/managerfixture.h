@@ -27,6 +27,8 @@ public:
     /// Takes the manager down and constructs another one, as a new start of the program does.
     WallpaperManager &restart();
     void destroyManager() { m_manager.reset(); }
+    /// Whether a manager, or a run that outlives it, still has a way to the services.
+    bool isServiceInUse() const { return m_exchange.use_count() > 1; }
 
     QString home() const { return m_home.path(); }
     QString imageFolder() const { return home() + QStringLiteral("/Pictures/Plenaura"); }
