@@ -23,6 +23,7 @@ class AutoGenerationTest : public QObject
 private Q_SLOTS:
     void anEmptyPromptIsSentByTheTimer();
     void theTimerDoesNotAskWhetherItMay();
+    void noTimerStartsWhileAutoIsOff();
     void theTimerMovesTheNextDate();
     void aFiringDuringARunStartsASecondOne();
     void turningAutoOffLetsTheRunFinish();
@@ -51,6 +52,15 @@ void AutoGenerationTest::theTimerDoesNotAskWhetherItMay()
     manager.setAutoEnabled(true);
     fixture.clock.pass(30min);
     QCOMPARE(manager.status(), u"Missing Gemini API key \u2014 open Settings (\u2318,)"_s);
+}
+
+void AutoGenerationTest::noTimerStartsWhileAutoIsOff()
+{
+    ManagerFixture fixture;
+    auto &manager = fixture.start();
+    manager.startTimer();
+    QVERIFY(!fixture.clock.alarmMoment());
+    QVERIFY(!manager.nextFireDate().isValid());
 }
 
 void AutoGenerationTest::theTimerMovesTheNextDate()

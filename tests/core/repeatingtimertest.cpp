@@ -20,6 +20,7 @@ private Q_SLOTS:
     void firesOncePerPeriod();
     void startingAgainBeginsAFreshPeriod();
     void stoppedItNeverFires();
+    void stoppedItHasNoDateThatMoves();
     void aMissedNightIsOneFiringOnWaking();
     void afterWakingAFullPeriodFollows();
     void settingTheWallClockMovesTheDateOnly_data();
@@ -78,6 +79,18 @@ void RepeatingTimerTest::stoppedItNeverFires()
     clock.ringEarly();
     clock.pass(24h);
     QCOMPARE(fired.count(), 0);
+}
+
+void RepeatingTimerTest::stoppedItHasNoDateThatMoves()
+{
+    fakes::FakeClock clock;
+    RepeatingTimer timer(clock);
+    const QSignalSpy moved(&timer, &RepeatingTimer::nextFireDateMoved);
+    clock.setWallClock(clock.now().addSecs(3600));
+    timer.start(30min);
+    timer.stop();
+    clock.sleep(8h);
+    QCOMPARE(moved.count(), 0);
 }
 
 void RepeatingTimerTest::aMissedNightIsOneFiringOnWaking()
