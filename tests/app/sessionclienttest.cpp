@@ -1,9 +1,10 @@
 #include "app/sessionclient.h"
 #include "app/appdelegate.h"
 
+#include "fakesessionmanager.h"
+
 #include <QApplication>
 #include <QDBusMessage>
-#include <QDBusObjectPath>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -11,62 +12,22 @@ using namespace Qt::StringLiterals;
 using app::AppDelegate;
 using app::SessionClient;
 
-/// What the session manager has for its client.
-class FakeClient : public QObject
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.gnome.SessionManager.ClientPrivate")
-
-public:
-    QList<bool> answers;
-
-public Q_SLOTS:
-    void EndSessionResponse(bool agrees, const QString & /*reason*/) { answers << agrees; }
-
-Q_SIGNALS:
-    void QueryEndSession(uint flags);
-    void EndSession(uint flags);
-    void Stop();
-};
-
-/// A session manager, on a connection of its own.
-class FakeSessionManager : public QObject
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.gnome.SessionManager")
-
-public:
-    FakeSessionManager() : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name))
-    {
-        m_bus.registerObject(u"/org/gnome/SessionManager"_s, this, QDBusConnection::ExportAllSlots);
-        m_bus.registerObject(clientPath, &client,
-            QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals);
-        m_bus.registerService(u"org.gnome.SessionManager"_s);
-    }
-    ~FakeSessionManager() override { QDBusConnection::disconnectFromBus(name); }
-
-    FakeClient client;
-    QString registered;
-
-public Q_SLOTS:
-    QDBusObjectPath RegisterClient(const QString &appId, const QString & /*startupId*/)
-    {
-        registered = appId;
-        return QDBusObjectPath(clientPath);
-    }
-
-private:
-    inline static const QString name = u"session manager"_s;
-    inline static const QString clientPath = u"/org/gnome/SessionManager/Client7"_s;
-
-    QDBusConnection m_bus;
-};
-
 class SessionClientTest : public QObject
 {
     Q_OBJECT
 
 private:
+    /// Everything that was on its way over the bus before this call has arrived after it.
+    static void letTheBusSettle()
+    {
+        const auto ping = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
+            u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
+        for (int i = 0; i < 3; ++i) {
+            QDBusConnection::sessionBus().call(ping);
+            QCoreApplication::processEvents();
+        }
+    }
+
     AppDelegate m_delegate;
 
 private Q_SLOTS:
@@ -126,6 +87,26 @@ private Q_SLOTS:
         QTRY_VERIFY(client.isRegistered());
         Q_EMIT manager.client.Stop();
         QTRY_VERIFY(delegate.shouldReallyQuit());
+    }
+
+    void aClientThatIsGoneWhenItIsRegisteredHearsNothing()
+    {
+        FakeSessionManager manager;
+        auto client = std::make_unique<SessionClient>(m_delegate);
+        client->watch();
+        client.reset();
+        QTRY_COMPARE(manager.registered, u"com.tarnel.Plenaura"_s);
+        letTheBusSettle();
+        Q_EMIT manager.client.QueryEndSession(0);
+        letTheBusSettle();
+        QVERIFY(manager.client.answers.isEmpty());
+    }
+
+    void withoutX11ItAsksNobody()
+    {
+        qputenv("SESSION_MANAGER", "local/here:@/tmp/.ICE-unix/1");
+        QVERIFY(!SessionClient::isAskedByX11());
+        qunsetenv("SESSION_MANAGER");
     }
 };
 
