@@ -1,19 +1,24 @@
 #include "app/trayhost.h"
+#include "app/trayicon.h"
 
 #include "desktop/xcbreply.h"
 
+#include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QGuiApplication>
+#include <QMenu>
 #include <QPixmap>
 #include <QSignalSpy>
 #include <QSystemTrayIcon>
 #include <QTest>
+#include <QWidget>
 
+#include <algorithm>
 #include <memory>
 
 using namespace Qt::StringLiterals;
 using app::TrayHost;
+using app::TrayIcon;
 
 /// What panels register with, on a connection of its own; it may be there before any panel is.
 class FakeWatcher : public QObject
@@ -112,6 +117,10 @@ private Q_SLOTS:
     void anEmbeddingPanelThatIsThereIsSeen();
     void anEmbeddingPanelThatComesLaterIsSeen();
     void theFirstHostOnlyIsReported();
+    void aScreenThatIsOutOfReachHasNoPanel();
+    void anIconForAPanelThatIsThereIsShownAtOnce();
+    void onlyTheFirstButtonOpensTheProgram_data();
+    void onlyTheFirstButtonOpensTheProgram();
 
 private:
     /// Everything that was on its way over the bus before this call has arrived after it.
@@ -212,6 +221,54 @@ void TrayHostTest::theFirstHostOnlyIsReported()
     const FakeWatcher watcher(true);
     letTheBusSettle();
     QCOMPARE(available.count(), 1);
+}
+
+void TrayHostTest::aScreenThatIsOutOfReachHasNoPanel()
+{
+    const EmbeddingPanel panel;
+    const QByteArray screen = qgetenv("DISPLAY");
+    qputenv("DISPLAY", ":nowhere");
+    TrayHost host;
+    host.watch();
+    qputenv("DISPLAY", screen);
+    letTheBusSettle();
+    QVERIFY(!host.isAvailable());
+}
+
+void TrayHostTest::anIconForAPanelThatIsThereIsShownAtOnce()
+{
+    EmbeddingPanel panel;
+    TrayHost host;
+    host.watch();
+    QVERIFY(host.isAvailable());
+    QMenu menu;
+    const TrayIcon icon(menu, host);
+    QTRY_VERIFY(panel.isAsked());
+}
+
+void TrayHostTest::onlyTheFirstButtonOpensTheProgram_data()
+{
+    QTest::addColumn<Qt::MouseButton>("button");
+    QTest::addColumn<int>("opened");
+    QTest::newRow("left") << Qt::LeftButton << 1;
+    QTest::newRow("middle") << Qt::MiddleButton << 0;
+}
+
+void TrayHostTest::onlyTheFirstButtonOpensTheProgram()
+{
+    QFETCH(const Qt::MouseButton, button);
+    const EmbeddingPanel panel;
+    TrayHost host;
+    host.watch();
+    QMenu menu;
+    const TrayIcon icon(menu, host);
+    const QSignalSpy activated(&icon, &TrayIcon::activated);
+    const auto widgets = QApplication::allWidgets();
+    const auto shown = std::find_if(widgets.begin(), widgets.end(),
+        [](const QWidget *widget) { return widget->inherits("QSystemTrayIconSys"); });
+    QVERIFY(shown != widgets.end());
+    QTest::mouseClick(*shown, button);
+    QTEST(int(activated.count()), "opened");
 }
 
 QTEST_MAIN(TrayHostTest)
