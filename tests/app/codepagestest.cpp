@@ -1,6 +1,7 @@
 #include "app/codepages.h"
 
-#include <QFile>
+#include "residentfiles.h"
+
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
@@ -9,22 +10,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// Kibibytes of files, which are nearly all code, that this process has in memory; 0 if not told.
-qint64 residentFiles()
-{
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QIODevice::ReadOnly)) {
-        return 0;
-    }
-    const QList<QByteArray> lines = status.readAll().split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith("RssFile:")) {
-            return line.simplified().split(' ').value(1).toLongLong();
-        }
-    }
-    return 0;
-}
 
 QImage drawnText()
 {
