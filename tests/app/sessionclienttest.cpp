@@ -2,9 +2,9 @@
 #include "app/appdelegate.h"
 
 #include "fakesessionmanager.h"
+#include "settledbus.h"
 
 #include <QApplication>
-#include <QDBusMessage>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -17,17 +17,6 @@ class SessionClientTest : public QObject
     Q_OBJECT
 
 private:
-    /// Everything that was on its way over the bus before this call has arrived after it.
-    static void letTheBusSettle()
-    {
-        const auto ping = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
-            u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
-        for (int i = 0; i < 3; ++i) {
-            QDBusConnection::sessionBus().call(ping);
-            QCoreApplication::processEvents();
-        }
-    }
-
     AppDelegate m_delegate;
 
 private Q_SLOTS:

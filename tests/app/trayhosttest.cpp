@@ -2,10 +2,10 @@
 #include "app/trayicon.h"
 
 #include "desktop/xcbreply.h"
+#include "settledbus.h"
 
 #include <QApplication>
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QMenu>
 #include <QPixmap>
 #include <QSignalSpy>
@@ -121,18 +121,6 @@ private Q_SLOTS:
     void anIconForAPanelThatIsThereIsShownAtOnce();
     void onlyTheFirstButtonOpensTheProgram_data();
     void onlyTheFirstButtonOpensTheProgram();
-
-private:
-    /// Everything that was on its way over the bus before this call has arrived after it.
-    static void letTheBusSettle()
-    {
-        const auto ping = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
-            u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
-        for (int i = 0; i < 3; ++i) {
-            QDBusConnection::sessionBus().call(ping);
-            QCoreApplication::processEvents();
-        }
-    }
 };
 
 // It comes first, because Qt asks once per process whether there is a host on the bus.

@@ -3,8 +3,8 @@
 
 #include "desktop/sessionbus.h"
 #include "fakesessionmanager.h"
+#include "settledbus.h"
 
-#include <QDBusMessage>
 #include <QGuiApplication>
 #include <QTest>
 
@@ -24,18 +24,6 @@ private Q_SLOTS:
 
     void theSessionIsJoinedInOneWayOnly_data();
     void theSessionIsJoinedInOneWayOnly();
-
-private:
-    /// Everything that was on its way over the bus before this call has arrived after it.
-    static void letTheBusSettle()
-    {
-        const auto ping = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
-            u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
-        for (int i = 0; i < 3; ++i) {
-            QDBusConnection::sessionBus().call(ping);
-            QCoreApplication::processEvents();
-        }
-    }
 };
 
 void X11SessionTest::theSessionIsJoinedInOneWayOnly_data()
